@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Runs every test through CTest inside what the tests need: a private D-Bus session with an
+# unlocked Secret Service (for credentials), a virtual display (for OpenGL and rendering) and
+# a throwaway HOME, so nothing of the user's own settings or keyring is touched.
+set -euo pipefail
+
+build=${1:-build}
+build=$(cd "$build" && pwd)
+shift || true
+
+home=$(mktemp -d)
+trap 'rm -rf "$home"' EXIT
+export HOME="$home"
+export XDG_CONFIG_HOME="$home/.config" XDG_DATA_HOME="$home/.local/share" XDG_CACHE_HOME="$home/.cache"
+export XDG_RUNTIME_DIR="$home/run"
+mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
+export QTWEBENGINE_DISABLE_SANDBOX=1
+
+inner=$(cat <<'INNER'
+set -e
+# The keyring must be unlocked with a newline on stdin; an empty stdin leaves it locked.
+echo "" | gnome-keyring-daemon --unlock --components=secrets >/dev/null 2>&1 || true
+cd "$AEROLOOM_CTEST_DIR"
+ctest --output-on-failure --no-tests=error -j "$(nproc)" "$@"
+INNER
+)
+export AEROLOOM_CTEST_DIR="$build"
+exec xvfb-run -a -s "-screen 0 1920x1080x24" dbus-run-session -- bash -c "$inner" ctest "$@"

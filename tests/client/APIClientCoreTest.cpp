@@ -1,0 +1,65 @@
+#include "APIClient.h"
+#include "APIError.h"
+#include "CoroTest.h"
+#include "RecordingServer.h"
+
+#include <gtest/gtest.h>
+
+TEST(APIClientCore, TrailingSlashRuleAndAuthorizationOnEveryRequest)
+{
+    RecordingServer server;
+    APIClient once(server.base() + "/", QStringLiteral("Bearer abc"));
+    APIClient twice(server.base() + "//", std::nullopt);
+    EXPECT_EQ(once.baseString(), server.base());
+    EXPECT_EQ(twice.url("api/me").toString(), server.base() + "//api/me");
+
+    server.replyWith(200, R"({"id":7,"email":"p@x.org","admin":false,"plan":"pro"})");
+    const auto me = run(once.fetchMe());
+    ASSERT_TRUE(me.ok()) << me.errorText().toStdString();
+    EXPECT_EQ(me->plan, QStringLiteral("pro"));
+    EXPECT_EQ(server.last().header("Authorization"), "Bearer abc");
+    EXPECT_EQ(server.last().target, "/api/me");
+
+    (void)run(twice.fetchMe());
+    EXPECT_FALSE(server.last().has("Authorization"));
+}
+
+TEST(APIClientCore, JudgesStatusBeforeBody)
+{
+    RecordingServer server;
+    APIClient client(server.base(), std::nullopt);
+
+    server.replyWith(401, R"({"id":1,"email":"a","admin":true})");
+    auto r = run(client.fetchMe());
+    ASSERT_FALSE(r.ok());
+    EXPECT_TRUE(APIError::isUnauthorized(r.failure()));
+    EXPECT_EQ(r.errorText(), QStringLiteral("You’re not signed in — your session may have expired. Please sign in again."));
+
+    server.replyWith(503, "down");
+    r = run(client.fetchMe());
+    EXPECT_EQ(r.errorText(), QStringLiteral("Server returned 503."));
+
+    // 204 passes the status check and then fails to decode.
+    server.replyWith(204, "");
+    r = run(client.fetchMe());
+    ASSERT_FALSE(r.ok());
+    EXPECT_EQ(r.failure().domain, APIError::decodeDomain);
+
+    server.replyWith(200, "<html>not json</html>", "text/html");
+    EXPECT_EQ(run(client.fetchMe()).failure().domain, APIError::decodeDomain);
+}
+
+TEST(APIClientCore, DroppedConnectionIsATransportFailure)
+{
+    RecordingServer server;
+    APIClient client(server.base(), std::nullopt);
+    server.setHandler([](const RecordingServer::Request &) {
+        RecordingServer::Reply reply;
+        reply.drop = true;
+        return reply;
+    });
+    const auto r = run(client.fetchMe());
+    ASSERT_FALSE(r.ok());
+    EXPECT_EQ(r.failure().domain, APIError::networkDomain);
+    EXPECT_FALSE(r.errorText().isEmpty());
+}
