@@ -13,7 +13,6 @@
 #include <QUrlQuery>
 
 #include <QCoroNetworkReply>
-#include <QCoroSignal>
 
 #include <nlohmann/json.hpp>
 
@@ -131,7 +130,7 @@ QCoro::Task<std::optional<QString>> GeocodeClient::placeName(double lat, double 
     QPointer<GeocodeClient> self(this);
     // One request at a time, each at least `interval` after the previous one finished.
     while (m_requestInFlight) {
-        co_await qCoro(this, &GeocodeClient::requestDone, std::chrono::seconds(1));
+        co_await m_requestDone.wait(std::chrono::seconds(1));
         if (!self)
             co_return std::nullopt;
     }
@@ -150,7 +149,7 @@ QCoro::Task<std::optional<QString>> GeocodeClient::placeName(double lat, double 
     m_requestInFlight = false;
     m_cache.insert(key, name);
     saveCache();
-    Q_EMIT requestDone();
+    m_requestDone.notifyAll();
     co_return name;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Notifier.h"
+
 #include <QHash>
 #include <QObject>
 #include <QString>
@@ -44,10 +46,6 @@ public:
 
     [[nodiscard]] QString userAgent() const;
 
-Q_SIGNALS:
-    /// A network request finished; the next waiting call may go.
-    void requestDone();
-
 private:
     void loadCache();
     void saveCache() const;
@@ -58,5 +56,6 @@ private:
     QHash<QString, std::optional<QString>> m_cache;
     bool m_loaded = false;
     bool m_requestInFlight = false;
+    Notifier m_requestDone;  ///< the next waiting call may go
     std::chrono::steady_clock::time_point m_lastRequest{};
 };
