@@ -36,5 +36,8 @@ struct SleepAwaiter {
 
 QCoro::Task<bool> sleepFor(std::chrono::milliseconds duration, CancelToken *token)
 {
-    co_return co_await SleepAwaiter{duration, token};
+    // Named, not a temporary: GCC 12 destroys temporaries of a co_await operand twice.
+    SleepAwaiter sleep{duration, token};
+    const bool full = co_await sleep;
+    co_return full;
 }

@@ -2,6 +2,8 @@
 
 #include <QTimer>
 
+#include <QCoroTask>
+
 #include <chrono>
 #include <coroutine>
 #include <memory>
@@ -69,10 +71,13 @@ public:
         /// True when notified, false when the time limit ran out.
         bool await_resume() const noexcept { return !state->byTimer; }
     };
-    /// Waits for the next `notifyAll`, or at most `limit` (negative: no limit).
-    [[nodiscard]] Awaiter wait(std::chrono::milliseconds limit = std::chrono::milliseconds(-1))
+    /// Waits for the next `notifyAll`, or at most `limit` (negative: no limit). True when notified.
+    QCoro::Task<bool> wait(std::chrono::milliseconds limit = std::chrono::milliseconds(-1))
     {
-        return Awaiter{this, limit};
+        // Named, not a temporary: GCC 12 destroys temporaries of a co_await operand twice.
+        Awaiter awaiter{this, limit};
+        const bool notified = co_await awaiter;
+        co_return notified;
     }
 
 private:

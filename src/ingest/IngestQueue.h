@@ -122,7 +122,6 @@ private:
     QCoro::Task<void> processItem(QString id, CancelToken *token);
     QCoro::Task<void> uploadItem(QString id, CancelToken *token);
     QCoro::Task<void> waitForWork();
-    void refreshQuota();
 
     int indexOf(const QString &id) const;
     void setPhase(const QString &id, IngestPhase phase);

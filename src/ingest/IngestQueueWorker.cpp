@@ -204,7 +204,9 @@ QCoro::Task<void> IngestQueue::uploadItem(QString id, CancelToken *token)
             QDir(dir).removeRecursively();
         if (const Item *done = item(id); done && isInInbox(done->source))
             QFile::remove(*done->source);
-        refreshQuota();
+        const auto library = co_await m_uploader->library();
+        if (self && library)
+            setQuota(*library);
         co_return;
     }
     co_await m_uploader->discardStaging(id);
@@ -219,13 +221,4 @@ QCoro::Task<void> IngestQueue::uploadItem(QString id, CancelToken *token)
         if (result.failure().is(UploadError::domain, UploadError::QuotaExceeded))
             setLastError(result.errorText());
     }
-}
-
-void IngestQueue::refreshQuota()
-{
-    QPointer<IngestQueue> self(this);
-    QCoro::connect(m_uploader->library(), this, [self](const Result<FlightUploader::ServerLibrary> &library) {
-        if (self && library)
-            self->setQuota(*library);
-    });
 }
