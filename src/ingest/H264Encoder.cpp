@@ -1,0 +1,66 @@
+#include "H264Encoder.h"
+
+#include "ProcessRunner.h"
+
+#include <QFileInfo>
+
+#include <optional>
+
+namespace {
+
+std::optional<H264Encoder> chosen;
+
+QList<H264Encoder> hardwareCandidates()
+{
+    QList<H264Encoder> out;
+    if (QFileInfo::exists(QStringLiteral("/dev/dri/renderD128"))) {
+        H264Encoder vaapi;
+        vaapi.name = QStringLiteral("h264_vaapi");
+        vaapi.beforeInput = {QStringLiteral("-vaapi_device"), QStringLiteral("/dev/dri/renderD128")};
+        vaapi.filterSuffix = QStringLiteral(",format=nv12,hwupload");
+        vaapi.codecOptions = {QStringLiteral("-c:v"), vaapi.name};
+        out << vaapi;
+    }
+    for (const char *name : {"h264_nvenc", "h264_qsv"}) {
+        H264Encoder e;
+        e.name = QString::fromLatin1(name);
+        e.codecOptions = {QStringLiteral("-c:v"), e.name};
+        out << e;
+    }
+    return out;
+}
+
+} // namespace
+
+H264Encoder H264Encoder::software()
+{
+    H264Encoder e;
+    e.codecOptions = {QStringLiteral("-c:v"), e.name, QStringLiteral("-preset"), QStringLiteral("veryfast")};
+    return e;
+}
+
+QString H264Encoder::filter(const QString &chain) const
+{
+    return chain + filterSuffix;
+}
+
+QCoro::Task<H264Encoder> H264Encoder::forMachine(QString ffmpeg)
+{
+    if (chosen)
+        co_return *chosen;
+    for (const H264Encoder &candidate : hardwareCandidates()) {
+        QStringList args = {QStringLiteral("-v"), QStringLiteral("error")};
+        args << candidate.beforeInput
+             << QStringList{QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                            QStringLiteral("testsrc=size=256x256:duration=0.2"), QStringLiteral("-vf"),
+                            candidate.filter(QStringLiteral("null"))}
+             << candidate.codecOptions << QStringList{QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-")};
+        const auto result = co_await ProcessRunner::run(ffmpeg, args);
+        if (result && result->status == 0) {
+            chosen = candidate;
+            co_return *chosen;
+        }
+    }
+    chosen = software();
+    co_return *chosen;
+}
