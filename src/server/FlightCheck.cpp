@@ -1,10 +1,12 @@
 #include "FlightCheck.h"
 
-#include <fstream>
-#include <regex>
-#include <sstream>
+#include "FlightFile.h"
 
-using nlohmann::json;
+#include <QString>
+
+#include <regex>
+
+using json = nlohmann::ordered_json;
 
 namespace FlightCheck {
 
@@ -12,61 +14,6 @@ namespace {
 Failure invalid(const QString &why)
 {
     return Failure{QStringLiteral("flight"), 1, QStringLiteral("flight.json is not a valid flight file: %1").arg(why)};
-}
-
-bool isNumber(const json &o, const char *key)
-{
-    const auto it = o.find(key);
-    return it != o.end() && it->is_number();
-}
-
-/// A key that may be absent or null, but when present has the given kind.
-template <typename Test>
-bool optionalOf(const json &o, const char *key, Test test)
-{
-    const auto it = o.find(key);
-    return it == o.end() || it->is_null() || test(*it);
-}
-
-std::optional<QString> checkSample(const json &s)
-{
-    if (!s.is_object())
-        return QStringLiteral("a track entry is not an object");
-    for (const char *key : {"t", "lat", "lon", "speed", "climb"}) {
-        if (!isNumber(s, key))
-            return QStringLiteral("a track entry lacks the number \"%1\"").arg(QLatin1String(key));
-    }
-    for (const char *key : {"relAlt", "absAlt", "yaw", "pitch", "roll", "gimbalYaw", "gimbalPitch", "iso", "fnum"}) {
-        if (!optionalOf(s, key, [](const json &v) { return v.is_number(); }))
-            return QStringLiteral("a track entry has a \"%1\" that is not a number").arg(QLatin1String(key));
-    }
-    if (!optionalOf(s, "shutter", [](const json &v) { return v.is_string() || v.is_number(); }))
-        return QStringLiteral("a track entry has a \"shutter\" that is neither text nor number");
-    return std::nullopt;
-}
-
-std::optional<QString> checkMeta(const json &meta)
-{
-    if (!meta.is_object())
-        return QStringLiteral("\"meta\" is missing");
-    const auto isString = [&meta](const char *k) { return meta.contains(k) && meta[k].is_string(); };
-    if (!isString("model") || !isString("source"))
-        return QStringLiteral("\"meta\" lacks \"model\" or \"source\"");
-    for (const char *key : {"duration", "maxSpeed", "pathLength"}) {
-        if (!isNumber(meta, key))
-            return QStringLiteral("\"meta\" lacks the number \"%1\"").arg(QLatin1String(key));
-    }
-    if (!meta.contains("samples") || !meta["samples"].is_number_integer())
-        return QStringLiteral("\"meta\" lacks the count \"samples\"");
-    const auto objectOrNull = [](const json &v) { return v.is_object(); };
-    for (const char *key : {"bounds", "centroid", "relAlt", "video"}) {
-        if (!optionalOf(meta, key, objectOrNull))
-            return QStringLiteral("\"meta\" has a \"%1\" that is not an object").arg(QLatin1String(key));
-    }
-    if (meta.contains("centroid") && meta["centroid"].is_object()
-        && !(isNumber(meta["centroid"], "lat") && isNumber(meta["centroid"], "lon")))
-        return QStringLiteral("\"centroid\" lacks \"lat\" or \"lon\"");
-    return std::nullopt;
 }
 
 void copyIfNumber(nlohmann::ordered_json &out, const char *to, const json &from, const char *key)
@@ -85,21 +32,10 @@ Result<json> readMeta(const std::filesystem::path &file)
         return invalid(QStringLiteral("it was not uploaded"));
     if (static_cast<std::int64_t>(size) > maxFlightFileBytes)
         return invalid(QStringLiteral("it is larger than 64 MB"));
-    std::ifstream in(file, std::ios::binary);
-    json doc = json::parse(in, nullptr, false);
-    if (doc.is_discarded())
-        return invalid(QStringLiteral("it is not JSON, or it was cut short"));
-    if (!doc.is_object())
-        return invalid(QStringLiteral("it is not a JSON object"));
-    if (const auto why = checkMeta(doc.contains("meta") ? doc["meta"] : json()))
-        return invalid(*why);
-    if (!doc.contains("track") || !doc["track"].is_array())
-        return invalid(QStringLiteral("\"track\" is missing"));
-    for (const auto &sample : doc["track"]) {
-        if (const auto why = checkSample(sample))
-            return invalid(*why);
-    }
-    return std::move(doc["meta"]);
+    const auto data = FlightFile::read(QString::fromStdString(file.string()));
+    if (!data)
+        return invalid(data.errorText());
+    return std::move(FlightFile::toJSON(data.value())["meta"]);
 }
 
 std::optional<std::string> dateFromId(const std::string &id)

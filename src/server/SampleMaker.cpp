@@ -1,6 +1,7 @@
 #include "SampleMaker.h"
 
 #include "FlightCheck.h"
+#include "FlightFile.h"
 #include "ToolRun.h"
 
 #include <QString>
@@ -85,15 +86,16 @@ ordered_json clipsFile(int seconds)
 
 namespace SampleMaker {
 
-ordered_json flightFile(double lat, double lon, double seconds, const std::string &source, const std::string &place)
+FlightData flightFile(double lat, double lon, double seconds, const std::string &source, const std::string &place)
 {
     // Three quarters of an orbit that widens while the aircraft climbs to 80 m and comes back
     // down, at the easy pace of a filming flight (about 10 m/s).
     const double rate = 10.0;
     const int count = static_cast<int>(seconds * rate) + 1;
-    ordered_json track = ordered_json::array();
-    double minLat = 90, maxLat = -90, minLon = 180, maxLon = -180, sumLat = 0, sumLon = 0;
-    double minAlt = 1e9, maxAlt = -1e9, maxSpeed = 0, path = 0;
+    FlightData data;
+    FlightBounds bounds{90, -90, 180, -180};
+    FlightRelAlt relAlt{1e9, -1e9};
+    double sumLat = 0, sumLon = 0, maxSpeed = 0, path = 0;
     double prevLat = lat, prevLon = lon, prevAlt = 0;
     for (int i = 0; i < count; ++i) {
         const double t = i / rate;
@@ -106,33 +108,44 @@ ordered_json flightFile(double lat, double lon, double seconds, const std::strin
         const double pLon = lon + east / (earthRadius * std::cos(lat * std::numbers::pi / 180)) * 180 / std::numbers::pi;
         const double alt = 80 * std::sin(std::numbers::pi * std::min(1.0, phase * 1.1));
         const double step = i ? metresBetween(prevLat, prevLon, pLat, pLon) : 0;
-        const double speed = i ? step * rate : 0;
-        const double climb = i ? (alt - prevAlt) * rate : 0;
+        TelemetrySample sample;
+        sample.t = t;
+        sample.lat = pLat;
+        sample.lon = pLon;
+        sample.relAlt = alt;
+        sample.absAlt = alt + 12.5;
+        sample.yaw = std::fmod(angle * 180 / std::numbers::pi + 90, 360) - 180;
+        sample.pitch = -4.0;
+        sample.roll = 2.0;
+        sample.gimbalYaw = sample.yaw;
+        sample.gimbalPitch = -20.0;
+        sample.iso = 100.0;
+        sample.shutter = RawJSON::text(QStringLiteral("1/500"));
+        sample.fnum = 2.8;
+        sample.speed = i ? step * rate : 0;
+        sample.climb = i ? (alt - prevAlt) * rate : 0;
+        data.track.push_back(sample);
         path += step;
-        maxSpeed = std::max(maxSpeed, speed);
-        minLat = std::min(minLat, pLat), maxLat = std::max(maxLat, pLat);
-        minLon = std::min(minLon, pLon), maxLon = std::max(maxLon, pLon);
-        minAlt = std::min(minAlt, alt), maxAlt = std::max(maxAlt, alt);
+        maxSpeed = std::max(maxSpeed, sample.speed);
+        bounds = {std::min(bounds.minLat, pLat), std::max(bounds.maxLat, pLat), std::min(bounds.minLon, pLon),
+                  std::max(bounds.maxLon, pLon)};
+        relAlt = {std::min(relAlt.min, alt), std::max(relAlt.max, alt)};
         sumLat += pLat, sumLon += pLon;
-        const double yaw = std::fmod(angle * 180 / std::numbers::pi + 90, 360) - 180;
-        track.push_back({{"t", t}, {"lat", pLat}, {"lon", pLon}, {"relAlt", alt}, {"absAlt", alt + 12.5},
-                         {"yaw", yaw}, {"pitch", -4.0}, {"roll", 2.0}, {"gimbalYaw", yaw}, {"gimbalPitch", -20.0},
-                         {"iso", 100.0}, {"shutter", "1/500"}, {"fnum", 2.8}, {"speed", speed}, {"climb", climb}});
         prevLat = pLat, prevLon = pLon, prevAlt = alt;
     }
-    ordered_json meta;
-    meta["model"] = "Sample Drone";
-    meta["duration"] = seconds;
-    meta["samples"] = count;
-    meta["bounds"] = {{"minLat", minLat}, {"maxLat", maxLat}, {"minLon", minLon}, {"maxLon", maxLon}};
-    meta["centroid"] = {{"lat", sumLat / count}, {"lon", sumLon / count}};
-    meta["relAlt"] = {{"min", minAlt}, {"max", maxAlt}};
-    meta["maxSpeed"] = maxSpeed;
-    meta["pathLength"] = path;
-    meta["source"] = source;
-    meta["place"] = place;
-    meta["video"] = {{"w", 960}, {"h", 540}, {"vertical", false}};
-    return {{"meta", meta}, {"track", track}};
+    FlightMeta &meta = data.meta;
+    meta.model = QStringLiteral("Sample Drone");
+    meta.duration = seconds;
+    meta.samples = count;
+    meta.bounds = bounds;
+    meta.centroid = FlightCentroid{sumLat / count, sumLon / count};
+    meta.relAlt = relAlt;
+    meta.maxSpeed = maxSpeed;
+    meta.pathLength = path;
+    meta.source = QString::fromStdString(source);
+    meta.place = QString::fromStdString(place);
+    meta.video = FlightVideo{960, 540, false};
+    return data;
 }
 
 Result<int> make(const Library &library, FlightIndex &index, std::mutex &folderLock, int seconds)
@@ -147,7 +160,7 @@ Result<int> make(const Library &library, FlightIndex &index, std::mutex &folderL
         const auto media = makeMedia(folder, sample, seconds);
         const auto flight = flightFile(sample.lat, sample.lon, seconds, sample.source, sample.place);
         const std::string clips = clipsFile(seconds).dump();
-        const bool written = media && writeText(folder / "flight.json", flight.dump())
+        const bool written = media && FlightFile::write(flight, QString::fromStdString(folder.string()))
             && writeText(folder / "clips.json", clips)
             && writeText(folder / "moments.json",
                          ordered_json{{"moments",
@@ -165,8 +178,8 @@ Result<int> make(const Library &library, FlightIndex &index, std::mutex &folderL
             fs::remove_all(folder, ec);
             continue;
         }
-        index.put({sample.id, FlightCheck::manifestEntry(sample.id, flight["meta"], false).dump(),
-                   FlightCheck::sourceStem(flight["meta"]), Library::folderBytes(library.flight(sample.id)), true,
+        const auto meta = FlightFile::toJSON(flight)["meta"];
+        index.put({sample.id, FlightCheck::manifestEntry(sample.id, meta, false).dump(), FlightCheck::sourceStem(meta), Library::folderBytes(library.flight(sample.id)), true,
                    clips});
         ++made;
     }

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "FlightData.h"
 #include "FlightIndex.h"
 #include "Library.h"
 #include "Result.h"
-
-#include <nlohmann/json.hpp>
 
 #include <mutex>
 #include <string>
@@ -15,7 +14,7 @@ namespace SampleMaker {
 /// Makes the samples and adds them to the library; returns how many were made.
 [[nodiscard]] Result<int> make(const Library &library, FlightIndex &index, std::mutex &folderLock,
                                int seconds = 20);
-/// The `flight.json` document of a synthetic flight around a centre point (exposed for tests).
-[[nodiscard]] nlohmann::ordered_json flightFile(double lat, double lon, double seconds, const std::string &source,
+/// A synthetic flight around a centre point, as `flight.json` holds it (exposed for tests).
+[[nodiscard]] FlightData flightFile(double lat, double lon, double seconds, const std::string &source,
                                                 const std::string &place);
 }

@@ -1,5 +1,6 @@
 #include "TestServer.h"
 
+#include "FlightFile.h"
 #include "SampleMaker.h"
 
 #include <gtest/gtest.h>
@@ -73,8 +74,8 @@ fs::path makeFlightFolder(const fs::path &where, double seconds)
                                             QString::fromStdString((where / "thumb.jpg").string())});
     ffmpeg.waitForFinished(-1);
     EXPECT_EQ(ffmpeg.exitCode(), 0);
-    writeFile(where / "flight.json",
-              SampleMaker::flightFile(46.0, 7.0, seconds, "DJI_20240102030405_0007_D.MP4", "Test Field").dump());
+    const auto flight = SampleMaker::flightFile(46.0, 7.0, seconds, "DJI_20240102030405_0007_D.MP4", "Test Field");
+    EXPECT_TRUE(FlightFile::write(flight, QString::fromStdString(where.string())));
     return where;
 }
 
