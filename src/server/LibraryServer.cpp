@@ -59,6 +59,8 @@ void LibraryServer::Impl::guard()
         if (config.auth == AuthMode::Basic)
             res.set_header("WWW-Authenticate", "Basic realm=\"Aeroloom library\"");
         Reply::error(res, 401, "Sign in to use this library");
+        if (Reply::hasBody(req))
+            Reply::closeAfter(req);
         return httplib::Server::HandlerResponse::Handled;
     });
     // Routes answer their own failures with a detail; this fills in those httplib makes itself.

@@ -32,6 +32,20 @@ std::optional<nlohmann::ordered_json> object(const httplib::Request &req, httpli
     return body;
 }
 
+void closeAfter(const httplib::Request &req)
+{
+    // httplib 0.11 keeps a connection open whatever the reply says; a "close" on the request
+    // makes it send "Connection: close" instead of keep-alive, so the client hangs up.
+    auto &headers = const_cast<httplib::Request &>(req).headers;
+    headers.erase("Connection");
+    headers.emplace("Connection", "close");
+}
+
+bool hasBody(const httplib::Request &req)
+{
+    return req.has_header("Transfer-Encoding") || (req.has_header("Content-Length") && req.get_header_value("Content-Length") != "0");
+}
+
 std::optional<std::string> id(const httplib::Request &req, httplib::Response &res, int match)
 {
     std::string value = req.matches[match].str();

@@ -103,28 +103,31 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
 
     std::int64_t written = 0;
     Outcome failure;
+    // Once the upload can't be kept, nothing more is written; the rest of a body of known length
+    // is still read (and dropped), so the client hears the reason instead of a broken connection.
+    const auto stop = [&](Outcome why) {
+        failure = std::move(why);
+        return declaredLength.has_value();
+    };
     const bool complete = read([&](const char *data, std::size_t length) {
+        if (failure.status != 200)
+            return true;
         written += static_cast<std::int64_t>(length);
-        if (written > room) {
-            failure = {413, "Storage quota exceeded: " + quotaDetail(written, room, m_quota)};
-            return false;
-        }
-        if (written > limit) {
-            failure = {413, name + " is too large"};
-            return false;
-        }
-        if (std::fwrite(data, 1, length, file.get()) != length) {
-            failure = {507, "The server's disk is full"};
-            return false;
-        }
+        if (written > room)
+            return stop({413, "Storage quota exceeded: " + quotaDetail(declaredLength.value_or(written), room, m_quota)});
+        if (written > limit)
+            return stop({413, name + " is too large"});
+        if (std::fwrite(data, 1, length, file.get()) != length)
+            return stop({507, "The server's disk is full"});
         return true;
     });
     const bool flushed = std::fflush(file.get()) == 0;
     file.reset();
-    if (!complete || !flushed || (declaredLength && written != *declaredLength)) {
+    if (!complete || !flushed || failure.status != 200 || (declaredLength && written != *declaredLength)) {
         fs::remove(part, ec);
         if (failure.status == 200)
             failure = {400, "The upload of " + name + " ended early"};
+        failure.bodyRead = complete;
         return failure;
     }
 
@@ -133,9 +136,9 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
     fs::rename(part, m_library.staging(id) / name, ec);
     if (ec) {
         fs::remove(part, ec);
-        return {500, "The server can't write to its library folder"};
+        return {500, "The server can't write to its library folder", 0, true};
     }
-    return {200, {}, written};
+    return {200, {}, written, true};
 }
 
 StagingArea::Outcome StagingArea::commit(const std::string &id)

@@ -24,6 +24,7 @@ public:
         int status = 200;
         std::string detail;
         std::int64_t bytes = 0;
+        bool bodyRead = false;  ///< the whole request body was read, kept or not
         [[nodiscard]] bool ok() const { return status == 200; }
     };
     using Sink = std::function<bool(const char *data, std::size_t length)>;

@@ -224,3 +224,30 @@ TEST(Hostile, AClientThatDropsMidUploadLeavesNothingStaged)
     EXPECT_EQ(readFile(server.library() / "staging" / flightId / "thumb.jpg"), std::string(1000, 'a'));
     EXPECT_EQ(client->Get("/api/flights")->status, 200);
 }
+
+TEST(Hostile, ARefusedUploadLeavesTheNextRequestOnTheConnectionIntact)
+{
+    TestServer server([](ServerConfig &c) {
+        c.auth = AuthMode::Basic;
+        c.user = "u";
+        c.password = "p";
+        c.quota = 1000 * 1000;
+    });
+    auto client = server.client();
+    client->set_keep_alive(true);
+    const std::string body(300 * 1000, 'b');
+    const std::string path = "/api/flights/" + flightId + "/files/";
+    // Unread bodies must not be taken for the next request: each refusal is followed by a
+    // request that has to get its own answer.
+    EXPECT_EQ(client->Put((path + "thumb.jpg").c_str(), body, "application/octet-stream")->status, 401);
+    client->set_basic_auth("u", "p");
+    EXPECT_EQ(client->Get("/api/hidden")->status, 200);
+    EXPECT_EQ(client->Put((path + "notes.txt").c_str(), body, "application/octet-stream")->status, 400);
+    EXPECT_EQ(client->Get("/api/hidden")->status, 200);
+    EXPECT_EQ(client->Put((path + "proxy.mp4").c_str(), std::string(3 * 1000 * 1000, 'c'), "application/octet-stream")
+                  ->status,
+              413);
+    EXPECT_EQ(client->Get("/api/hidden")->status, 200);
+    EXPECT_EQ(client->Put((path + "thumb.jpg").c_str(), body, "application/octet-stream")->status, 200);
+    EXPECT_EQ(client->Get("/api/hidden")->status, 200);
+}
