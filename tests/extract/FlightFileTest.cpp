@@ -1,5 +1,7 @@
 #include "FlightFile.h"
 
+#include "Printers.h"
+
 #include <gtest/gtest.h>
 
 #include <QDir>
