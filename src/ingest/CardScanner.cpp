@@ -21,7 +21,7 @@ FileClass classify(const QString &path)
     const QString suffix = QFileInfo(path).suffix().toLower();
     if (suffix == QLatin1String("lrf"))
         return FileClass::Lrf;
-    if (FlightIDs::videoExtensions.contains(suffix))
+    if (FlightIDs::videoExtensions().contains(suffix))
         return FileClass::Video;
     return FileClass::Other;
 }

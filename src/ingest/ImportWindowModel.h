@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CardVolumes.h"
+#include "IngestQueue.h"
 
 #include <QObject>
 #include <QPointer>
@@ -10,7 +11,6 @@
 
 #include <QCoroTask>
 
-class IngestQueue;
 class MountWatcher;
 
 /// @brief What the "Import Flights" window shows around the queue: the cards it can offer,

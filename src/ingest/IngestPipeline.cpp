@@ -7,14 +7,13 @@
 #include "ProcessError.h"
 #include "ProcessRunner.h"
 #include "ProgressReader.h"
-#include "TelemetryError.h"
-#include "TelemetryParser.h"
+#include "ClipTelemetry.h"
 #include "ToolLocator.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStringDecoder>
+#include <QPointer>
 
 namespace IngestPipeline {
 
@@ -36,60 +35,11 @@ std::optional<Tools> findTools()
     return Tools{*ffmpeg, *ffprobe, *exiftool};
 }
 
-bool isVideo(const QString &path)
-{
-    const QString suffix = QFileInfo(path).suffix().toLower();
-    return suffix == QLatin1String("mp4") || suffix == QLatin1String("mov");
-}
-
-/// The sidecar as text; a file that is not UTF-8 is a read error, not a telemetry one.
-Result<QString> readSidecar(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return Failure{QStringLiteral("file"), 1, QStringLiteral("The file “%1” couldn’t be opened.").arg(QFileInfo(path).fileName())};
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QString text = utf8.decode(file.readAll());
-    if (utf8.hasError())
-        return Failure{QStringLiteral("file"), 2,
-                       QStringLiteral("The file “%1” couldn’t be opened because the text encoding of its contents can’t be determined.")
-                           .arg(QFileInfo(path).fileName())};
-    return text;
-}
-
-QCoro::Task<Result<FlightData>> readTelemetry(const Tools &tools, const Input &in, CancelToken *cancel)
-{
-    const QString fileName = QFileInfo(in.source).fileName();
-    if (in.srt) {
-        const auto text = readSidecar(*in.srt);
-        if (!text)
-            co_return text.failure();
-        const MediaInfo info = co_await MediaProbe::probeFormat(tools.ffprobe, in.source);
-        co_return TelemetryParser::parseSRT(*text, info.encoder, info.duration, fileName);
-    }
-    const auto json = co_await TelemetryParser::runExifTool(tools.exiftool, in.source, cancel);
-    if (!json)
-        co_return json.failure();
-    co_return TelemetryParser::parseExifTool(*json, fileName);
-}
-
-QCoro::Task<FlightData> noTelemetryRecord(const Tools &tools, const QString &source)
-{
-    const MediaInfo info = co_await MediaProbe::probeFormat(tools.ffprobe, source);
-    FlightData data;
-    const QString model = info.encoder.value_or(QString()).trimmed();
-    data.meta.model = model.isEmpty() ? QStringLiteral("DJI") : model;
-    data.meta.duration = info.duration.value_or(0);
-    data.meta.source = QFileInfo(source).fileName();
-    data.meta.created = info.creationTime;
-    co_return data;
-}
-
 QCoro::Task<Result<void>> makeProxy(const Tools &tools, const Input &in, double duration, CancelToken *cancel)
 {
     const QString proxy = QDir(in.dir).filePath(QStringLiteral("proxy.mp4"));
     QStringList args = {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y")};
-    if (isVideo(in.source)) {
+    if (ClipTelemetry::isVideo(in.source)) {
         // Full-resolution video is too heavy to stream: short side 720, 4 Mbit/s, no audio.
         const H264Encoder encoder = co_await H264Encoder::forMachine(tools.ffmpeg);
         args << encoder.beforeInput
@@ -107,7 +57,7 @@ QCoro::Task<Result<void>> makeProxy(const Tools &tools, const Input &in, double 
     ProcessRunner::LineHandler onLine;
     if (in.onProgress && duration > 0) {
         args << QStringLiteral("-progress") << QStringLiteral("pipe:1") << QStringLiteral("-nostats");
-        onLine = ProgressReader::lineHandler(duration, in.onProgress);
+        onLine = progressReader(duration, in.onProgress);
     }
     args << proxy;
     const auto result = co_await ProcessRunner::run(tools.ffmpeg, args, onLine, cancel);
@@ -126,6 +76,16 @@ QCoro::Task<void> makeThumbnail(const Tools &tools, const QString &dir, CancelTo
                               QStringLiteral("-frames:v"), QStringLiteral("1"), QStringLiteral("-vf"), QStringLiteral("scale=480:-1"),
                               QDir(dir).filePath(QStringLiteral("thumb.jpg"))};
     (void)co_await ProcessRunner::run(tools.ffmpeg, args, {}, cancel);
+}
+
+bool isCancelled(const CancelToken *cancel)
+{
+    return cancel && cancel->isCancelled();
+}
+
+Failure stopped()
+{
+    return {ProcessError::domain, -15, QStringLiteral("stopped")};
 }
 
 } // namespace
@@ -154,26 +114,26 @@ QCoro::Task<Result<Output>> run(Input in, CancelToken *cancel)
     if (!tools)
         co_return stepError(Step::Telemetry, ProcessError::failed(QStringLiteral("tools"), -1,
                                                                   QStringLiteral("ffmpeg/ffprobe/exiftool not found")));
-    const bool video = isVideo(in.source);
     if (!QDir().mkpath(in.dir))
         co_return Failure{QStringLiteral("file"), 3, QStringLiteral("Couldn’t create the folder “%1”.").arg(in.dir)};
 
-    auto telemetry = co_await readTelemetry(*tools, in, cancel);
-    FlightData data;
-    if (telemetry) {
-        data = std::move(telemetry).value();
-    } else if (video && telemetry.failure().domain == TelemetryError::domain) {
-        data = co_await noTelemetryRecord(*tools, in.source);  // a plain video: a flight without a path
-    } else {
+    // The runner starts a child even for a token cancelled already, so each step asks first.
+    if (isCancelled(cancel))
+        co_return stepError(Step::Telemetry, stopped());
+    // A plain video without telemetry comes back as a flight without a path; only a
+    // low-resolution file without it, or a sidecar that can't be read, fails here.
+    auto telemetry = co_await ClipTelemetry::read(in.source, in.srt, cancel);
+    if (!telemetry)
         co_return stepError(Step::Telemetry, telemetry.failure());
-    }
+    FlightData data = std::move(telemetry).value();
 
+    if (isCancelled(cancel))
+        co_return stepError(Step::Proxy, stopped());
     const auto proxy = co_await makeProxy(*tools, in, data.meta.duration, cancel);
     if (!proxy)
         co_return proxy.failure();
 
-    if (const auto size = co_await MediaProbe::probeVideo(tools->ffprobe, QDir(in.dir).filePath(QStringLiteral("proxy.mp4"))))
-        data.meta.video = FlightVideo{size->w, size->h, size->vertical};
+    data.meta.video = co_await MediaProbe::probeVideo(tools->ffprobe, QDir(in.dir).filePath(QStringLiteral("proxy.mp4")));
 
     if (in.geocoder && !data.track.empty())
         data.meta.place = co_await in.geocoder->placeName(data.track.front().lat, data.track.front().lon);
@@ -183,6 +143,19 @@ QCoro::Task<Result<Output>> run(Input in, CancelToken *cancel)
 
     co_await makeThumbnail(*tools, in.dir, cancel);
     co_return Output{in.dir, std::move(data)};
+}
+
+IngestQueue::Process asQueueStep(GeocodeClient *geocoder)
+{
+    QPointer<GeocodeClient> geo(geocoder);
+    return [geo](QString source, std::optional<QString> srt, QString dir, bool geocode,
+                 std::function<void(double)> onProgress, CancelToken *cancel) -> QCoro::Task<Result<void>> {
+        Input in{std::move(source), std::move(srt), std::move(dir), geocode ? geo.data() : nullptr, std::move(onProgress)};
+        const auto result = co_await run(std::move(in), cancel);
+        if (!result)
+            co_return result.failure();
+        co_return Result<void>();
+    };
 }
 
 } // namespace IngestPipeline

@@ -2,6 +2,7 @@
 
 #include "CancelToken.h"
 #include "FlightData.h"
+#include "IngestQueue.h"
 #include "Result.h"
 
 #include <QString>
@@ -37,5 +38,9 @@ struct Output {
 };
 
 [[nodiscard]] QCoro::Task<Result<Output>> run(Input input, CancelToken *cancel = nullptr);
+
+/// The pipeline as the import queue's processing step; place names through `geocoder` when
+/// the queue allows them.
+[[nodiscard]] IngestQueue::Process asQueueStep(GeocodeClient *geocoder);
 
 } // namespace IngestPipeline
