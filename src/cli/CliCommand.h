@@ -23,6 +23,8 @@ struct CliCommand {
 CliCommand idCommand();
 CliCommand probeCommand();
 CliCommand telemetryCommand();
+CliCommand scanCommand();
+CliCommand ingestCommand();
 
 /// Output of the subcommands: bytes exactly as given on standard output, words on standard error.
 namespace CliIO {

@@ -4,7 +4,7 @@
 
 QList<CliCommand> cliCommands()
 {
-    return {idCommand(), probeCommand(), telemetryCommand()};
+    return {idCommand(), probeCommand(), telemetryCommand(), scanCommand(), ingestCommand()};
 }
 
 namespace CliIO {
