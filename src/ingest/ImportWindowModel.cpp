@@ -138,7 +138,8 @@ QCoro::Task<void> ImportWindowModel::addFolders(QStringList folders)
     beginScan();
     for (const QString &folder : folders) {
         // Walking a card can take a while; it runs off the GUI thread.
-        const auto found = co_await QtConcurrent::run([folder] { return CardScanner::scan(folder); });
+        auto walk = QtConcurrent::run([folder] { return CardScanner::scan(folder); });
+        const auto found = co_await walk;
         if (!self)
             co_return;
         if (m_queue)

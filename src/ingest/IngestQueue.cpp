@@ -203,7 +203,7 @@ void IngestQueue::stop()
     wake();
 }
 
-void IngestQueue::remove(const QString &id)
+void IngestQueue::remove(QString id)
 {
     const int i = indexOf(id);
     if (i < 0)
@@ -222,7 +222,7 @@ void IngestQueue::remove(const QString &id)
     takeItem(id);  // done and kept: the folder stays on disk
 }
 
-void IngestQueue::forget(const QString &id)
+void IngestQueue::forget(QString id)
 {
     if (const Item *found = item(id); found && isInInbox(found->source))
         QFile::remove(*found->source);

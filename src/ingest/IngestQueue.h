@@ -101,8 +101,8 @@ public:
 public Q_SLOTS:
     void start();
     void stop();
-    void remove(const QString &id);
-    void forget(const QString &id);
+    void remove(QString id);  // by value: callers often pass the id of the item that goes
+    void forget(QString id);
 
 Q_SIGNALS:
     void runningChanged();

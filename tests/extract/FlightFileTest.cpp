@@ -1,6 +1,5 @@
 #include "FlightFile.h"
 
-#include "Printers.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,6 @@
 
 #include <CoroTest.h>
 
-#include "Printers.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,6 @@
 #include <CoroTest.h>
 #include <TestPaths.h>
 
-#include "Printers.h"
 
 #include <gtest/gtest.h>
 
