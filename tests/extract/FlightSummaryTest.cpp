@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 using FlightSummary::distance;
 using FlightSummary::makeFlightData;
 
@@ -114,4 +116,17 @@ TEST(FlightSummary, HeadingsFromMotionForSidecarSourcesOnly)
     const auto embedded = make(s, std::nullopt, false);
     for (const auto &sample : embedded.track)
         EXPECT_FALSE(sample.yaw.has_value());
+}
+
+TEST(FlightSummary, AbsurdValuesStillGiveAWritableFlight)
+{
+    // Found by the fuzz test: altitudes at the ends of the double range overflowed the climb,
+    // and huge latitudes the centroid's sum.
+    const auto d = make({at(0, 1e308, 1, 1.7e308), at(0.1, 1e308, 1, -1.7e308), at(0.2, 1e308, 1, 0)});
+    for (const auto &s : d.track) {
+        EXPECT_TRUE(std::isfinite(s.climb));
+        EXPECT_TRUE(std::isfinite(s.speed));
+    }
+    EXPECT_EQ(d.track[1].climb, 0);
+    EXPECT_DOUBLE_EQ(d.meta.centroid->lat, 1e308);
 }
