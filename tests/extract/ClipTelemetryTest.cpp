@@ -7,6 +7,7 @@
 #include "TestTools.h"
 
 #include <CoroTest.h>
+#include <DjiTelemetry.h>
 #include <Fixtures.h>
 
 #include <gtest/gtest.h>
@@ -140,4 +141,56 @@ TEST_F(ClipTelemetryTest, ExifToolStatusCountsOnlyWithoutOutput)
     const auto d = run(ClipTelemetry::read(path, std::nullopt));
     ASSERT_FALSE(d.ok());
     EXPECT_EQ(d.errorText(), QStringLiteral("exiftool exited 7:\ntwo\nthree\nfour\nfive"));
+}
+
+TEST_F(ClipTelemetryTest, EmbeddedDjiTrackDecodedByTheBundledExifTool)
+{
+    const QString path = dir.filePath(QStringLiteral("DJI_20240102030405_0003_D.MP4"));
+    std::vector<Fixtures::DjiSample> samples;
+    for (const Fixtures::Cue &cue : Fixtures::straightPath(25)) {
+        Fixtures::DjiSample s;
+        s.cue = cue;
+        s.yaw = -45.5;
+        s.gimbalPitch = -30;
+        s.shutterDen = 240;
+        samples.push_back(s);
+    }
+    ASSERT_TRUE(Fixtures::makeClip(path, Fixtures::ClipOptions{3.0, 160, 120, 10, std::nullopt, std::nullopt, std::nullopt, false}).ok());
+    ASSERT_TRUE(Fixtures::addDjiTelemetry(path, samples).ok());
+
+    const auto d = run(ClipTelemetry::read(path, std::nullopt));
+    ASSERT_TRUE(d.ok()) << d.errorText().toStdString();
+    EXPECT_EQ(d->meta.model, QStringLiteral("DJI Mini 4 Pro"));
+    ASSERT_EQ(d->track.size(), samples.size());
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const TelemetrySample &got = d->track[i];
+        const Fixtures::Cue &want = samples[i].cue;
+        SCOPED_TRACE(i);
+        EXPECT_NEAR(got.t, want.t, 0.006);           // exiftool prints two decimals
+        EXPECT_NEAR(got.lat, want.lat, 0.01 / 3600); // and hundredths of an arc second
+        EXPECT_NEAR(got.lon, want.lon, 0.01 / 3600);
+        EXPECT_NEAR(*got.relAlt, want.relAlt, 1e-3);
+        EXPECT_NEAR(*got.absAlt, want.absAlt, 1e-3);
+        EXPECT_EQ(got.yaw, -45.5);
+        EXPECT_EQ(got.gimbalPitch, -30);
+        EXPECT_EQ(got.shutter, RawJSON::text(QStringLiteral("1/240")));
+        EXPECT_EQ(got.fnum, 1.7);
+    }
+    EXPECT_NEAR(d->meta.pathLength, 5.0 * 2.4, 0.5);
+    // The video facts of the clip are untouched by the added track.
+    EXPECT_NEAR(d->meta.duration, 3.0, 0.05);
+}
+
+TEST_F(ClipTelemetryTest, TelemetryOfANewerLayoutIsNamedAsUnknown)
+{
+    const QString path = dir.filePath(QStringLiteral("DJI_0004.LRF"));
+    ASSERT_TRUE(Fixtures::makeClip(path).ok());
+    std::vector<Fixtures::DjiSample> samples(3);
+    for (int i = 0; i < 3; ++i)
+        samples[static_cast<std::size_t>(i)].cue = Fixtures::straightPath(3)[static_cast<std::size_t>(i)];
+    ASSERT_TRUE(Fixtures::addDjiTelemetry(path, samples, QStringLiteral("DJI Air 9"), QStringLiteral("dvtm_Air9")).ok());
+    const auto d = run(ClipTelemetry::read(path, std::nullopt));
+    ASSERT_FALSE(d.ok());
+    EXPECT_EQ(d.errorText(),
+              QStringLiteral("DJI_0004.LRF: telemetry format dvtm_Air9.proto is not decoded by exiftool yet (new DJI model?)"));
 }
