@@ -65,6 +65,14 @@ TEST(HostileInput, BinaryNoiseIsNoTelemetry)
     EXPECT_FALSE(FlightFile::read(path).ok());
 }
 
+TEST(HostileInput, DeeplyNestedJsonIsRefusedWithoutExhaustingTheStack)
+{
+    const QByteArray deep = "{\"meta\":" + QByteArray(1'000'000, '[') + QByteArray(1'000'000, ']') + "}";
+    EXPECT_EQ(FlightFile::decode(deep).failure().code, FlightFile::BadShape);
+    EXPECT_EQ(TelemetryParser::parseExifTool("[" + deep + "]", QStringLiteral("a.MP4")).failure().code,
+              TelemetryError::NoTelemetry);
+}
+
 // A sidecar of 80 MB whose cues never get a fix: read as a stream, memory stays near one cue.
 TEST(HostileInputSlow, VeryLargeSidecarIsStreamed)
 {
