@@ -3,6 +3,7 @@
 #include <ProcessRunner.h>
 #include <SrtReader.h>
 
+#include <DjiTelemetry.h>
 #include <Fixtures.h>
 #include <TestPaths.h>
 
@@ -118,4 +119,25 @@ TEST_F(CliTest, TelemetryFailuresAreWordsOnStandardError)
     const auto missing = cli({QStringLiteral("telemetry"), dir.filePath(QStringLiteral("gone.MP4"))});
     EXPECT_EQ(missing.status, 1);
     EXPECT_TRUE(missing.stdErr.endsWith(QStringLiteral("gone.MP4: no such file\n")));
+}
+
+TEST_F(CliTest, EveryFileOfASyntheticCard)
+{
+    const auto card = Fixtures::makeCard(dir.path());
+    ASSERT_TRUE(card.ok()) << card.errorText().toStdString();
+    const auto ids = cli({QStringLiteral("id"), QStringLiteral("--fallback"), card->lowRes, card->fullRes, card->plain});
+    const QStringList lines = QString::fromUtf8(ids.stdOut).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[0].section(QLatin1Char('\t'), 0, 0), lines[1].section(QLatin1Char('\t'), 0, 0)); // twins share an id
+    EXPECT_TRUE(lines[2].startsWith(QStringLiteral("20240102_032000_")));
+
+    const auto lowRes = FlightFile::decode(cli({QStringLiteral("telemetry"), card->lowRes}).stdOut);
+    ASSERT_TRUE(lowRes.ok());
+    EXPECT_EQ(lowRes->meta.model, QStringLiteral("DJI Mini 4 Pro"));
+    EXPECT_EQ(lowRes->meta.samples, 20);
+    const auto sidecar = FlightFile::decode(
+        cli({QStringLiteral("telemetry"), card->withSidecar, QStringLiteral("--srt"), card->sidecar}).stdOut);
+    ASSERT_TRUE(sidecar.ok());
+    EXPECT_EQ(sidecar->meta.samples, 20);
+    EXPECT_EQ(sidecar->meta.model, QStringLiteral("DJI Mini 4 Pro"));
 }
