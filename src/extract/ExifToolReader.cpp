@@ -2,6 +2,7 @@
 
 #include "ExifToolCommand.h"
 #include "FlightSummary.h"
+#include "LineBreaks.h"
 #include "ProcessError.h"
 #include "ProcessRunner.h"
 #include "StrictNumber.h"
@@ -38,15 +39,6 @@ QStringList pieces(const QString &text)
 {
     static const QRegularExpression space(QStringLiteral("\\s+"));
     return text.split(space, Qt::SkipEmptyParts);
-}
-
-QString trimBlanks(QString value)
-{
-    while (!value.isEmpty() && (value.front() == QLatin1Char(' ') || value.front() == QLatin1Char('\t')))
-        value.remove(0, 1);
-    while (!value.isEmpty() && (value.back() == QLatin1Char(' ') || value.back() == QLatin1Char('\t')))
-        value.chop(1);
-    return value;
 }
 
 std::optional<RawJSON> rawValue(const json &value)
@@ -181,7 +173,7 @@ std::optional<double> timeValue(const json &value)
         return finite(value);
     if (!value.is_string())
         return std::nullopt;
-    const QString t = trimBlanks(text(value).remove(QStringLiteral(" s")));
+    const QString t = trimBlanks(QString(text(value)).remove(QStringLiteral(" s")));
     if (!t.contains(QLatin1Char(':')))
         return strictNumber(t);
     double total = 0;

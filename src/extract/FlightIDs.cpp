@@ -74,8 +74,9 @@ const QSet<QString> &videoExtensions()
 
 FlightIdentity parseFileName(const QString &path)
 {
-    const QString stem = QFileInfo(path).completeBaseName().isEmpty() ? QFileInfo(path).fileName()
-                                                                       : QFileInfo(path).completeBaseName();
+    // The name without its last extension; a name that is all extension (".MP4") stays whole.
+    const QFileInfo info(path);
+    const QString stem = info.completeBaseName().isEmpty() ? info.fileName() : info.completeBaseName();
     if (const auto m = cameraForm().match(stem); m.hasMatch()) {
         const QString t = m.captured(1);
         return {t.left(8) + QLatin1Char('_') + t.mid(8) + QLatin1Char('_') + m.captured(2), localDate(t)};

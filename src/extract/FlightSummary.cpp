@@ -26,6 +26,13 @@ std::vector<TelemetrySample> monotonic(std::vector<TelemetrySample> samples)
     return kept;
 }
 
+// Readers let through any finite number, so absurd inputs (an altitude of 1e308) could overflow
+// a rate; such a rate means nothing and is written as 0, never as a value flight.json cannot hold.
+double finiteOrZero(double value)
+{
+    return std::isfinite(value) ? value : 0.0;
+}
+
 // The oldest sample inside the half-second window, or the direct predecessor when the window is empty.
 std::size_t baseIndex(const std::vector<TelemetrySample> &track, std::size_t i)
 {
@@ -46,8 +53,8 @@ void fillMotion(std::vector<TelemetrySample> &track, bool deriveYaw)
         const double dt = s.t - base.t;
         const double metres = distance(base.lat, base.lon, s.lat, s.lon);
         if (dt > 0) {
-            s.speed = metres / dt;
-            s.climb = (s.relAlt.value_or(0) - base.relAlt.value_or(0)) / dt;
+            s.speed = finiteOrZero(metres / dt);
+            s.climb = finiteOrZero((s.relAlt.value_or(0) - base.relAlt.value_or(0)) / dt);
         } else {
             s.speed = 0;
             s.climb = 0;
@@ -109,8 +116,8 @@ FlightData makeFlightData(std::vector<TelemetrySample> samples, const QString &m
     meta.duration = duration && *duration != 0 ? *duration : track.back().t;
 
     FlightBounds bounds{track[0].lat, track[0].lat, track[0].lon, track[0].lon};
-    double sumLat = 0;
-    double sumLon = 0;
+    long double sumLat = 0; // wide enough that no sum of finite doubles overflows
+    long double sumLon = 0;
     for (std::size_t i = 0; i < track.size(); ++i) {
         const TelemetrySample &s = track[i];
         bounds.minLat = std::min(bounds.minLat, s.lat);
@@ -130,8 +137,8 @@ FlightData makeFlightData(std::vector<TelemetrySample> samples, const QString &m
             meta.pathLength += distance(track[i - 1].lat, track[i - 1].lon, s.lat, s.lon);
     }
     meta.bounds = bounds;
-    const double n = static_cast<double>(track.size());
-    meta.centroid = FlightCentroid{sumLat / n, sumLon / n};
+    const auto n = static_cast<long double>(track.size());
+    meta.centroid = FlightCentroid{static_cast<double>(sumLat / n), static_cast<double>(sumLon / n)};
     return data;
 }
 

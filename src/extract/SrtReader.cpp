@@ -1,6 +1,7 @@
 #include "SrtReader.h"
 
 #include "FlightSummary.h"
+#include "LineBreaks.h"
 #include "StrictNumber.h"
 #include "TelemetryError.h"
 
@@ -20,36 +21,9 @@ const QRegularExpression isoPattern(QStringLiteral("\\[iso:\\s*([\\d.]+)\\]"));
 const QRegularExpression shutterPattern(QStringLiteral("\\[shutter:\\s*([\\d/.]+)\\]"));
 const QRegularExpression fnumPattern(QStringLiteral("\\[fnum:\\s*([\\d.]+)\\]"));
 
-QString trimBlanks(const QString &text)
-{
-    qsizetype from = 0;
-    qsizetype to = text.size();
-    const auto blank = [](QChar c) { return c == QLatin1Char(' ') || c == QLatin1Char('\t'); };
-    while (from < to && blank(text.at(from)))
-        ++from;
-    while (to > from && blank(text.at(to - 1)))
-        --to;
-    return text.mid(from, to - from);
-}
-
 std::optional<double> group(const QRegularExpressionMatch &m, int n)
 {
     return m.hasMatch() ? strictNumber(m.capturedView(n)) : std::nullopt;
-}
-
-// Cuts `buffer` at each line feed that does not follow a carriage return.
-template <typename OnLine>
-void takeLines(QString &buffer, qsizetype &scanned, OnLine onLine)
-{
-    qsizetype start = 0;
-    for (qsizetype i = scanned; i < buffer.size(); ++i) {
-        if (buffer.at(i) != QLatin1Char('\n') || (i > 0 && buffer.at(i - 1) == QLatin1Char('\r')))
-            continue;
-        onLine(buffer.mid(start, i - start));
-        start = i + 1;
-    }
-    buffer.remove(0, start);
-    scanned = buffer.size();
 }
 
 } // namespace
@@ -129,7 +103,7 @@ Result<FlightData> parseSRT(const QString &text, const std::optional<QString> &m
     SrtReader reader;
     QString buffer = text;
     qsizetype scanned = 0;
-    takeLines(buffer, scanned, [&](const QString &line) { reader.addLine(line); });
+    cutLines(buffer, scanned, [&](const QString &line) { reader.addLine(line); });
     reader.addLine(buffer);
     return reader.finish(model, duration, source);
 }
@@ -155,7 +129,7 @@ Result<FlightData> parseSRTFile(const QString &path, const std::optional<QString
             break;
         // The unfinished tail stays in the buffer, so a carriage return at the end of one chunk
         // still pairs with a line feed at the start of the next.
-        takeLines(buffer, scanned, [&](const QString &line) { reader.addLine(line); });
+        cutLines(buffer, scanned, [&](const QString &line) { reader.addLine(line); });
     }
     buffer.append(decoder.decode(QByteArray()));
     if (decoder.hasError() || file.error() != QFileDevice::NoError) {
