@@ -41,6 +41,7 @@ TEST(IngestPipeline, AClipWithASidecarBecomesAFlightWithPathPlaceProxyAndThumbna
     GeocodeClient geocoder(geo);
 
     // Three seconds: long enough for the still taken at two.
+    QDir().mkpath(f.dir.filePath("long"));
     const QString clip = f.dir.filePath("long/DJI_20240102050000_0010_D.MP4");
     Fixtures::ClipOptions options;
     options.seconds = 3;
