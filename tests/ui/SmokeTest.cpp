@@ -90,6 +90,9 @@ TEST(Smoke, EveryWindowInEveryFirstState)
     const QList<Launch> launches = {
         {"signedout-cockpit", "cockpit", {}, {}},
         {"signedout-field", "field", {}, {}},
+        // A stored user opens the sign-in screen on its advanced password form.
+        {"signin-advanced-cockpit", "cockpit", {}, {"user=ann"}},
+        {"signin-advanced-field", "field", {}, {"user=ann"}},
         {"signedin-cockpit", "cockpit", {{"SPIKE_BASE", server.base()}, {"SPIKE_TOKEN", "t"}}, {}},
         {"signedin-field", "field", {{"SPIKE_BASE", server.base()}, {"SPIKE_TOKEN", "t"}}, {}},
         {"stories-cockpit", "cockpit", {{"SPIKE_BASE", server.base()}, {"SPIKE_SCREEN", "reels"}}, {}},
