@@ -40,17 +40,17 @@ Item {
 
     // Low sun over the ridge, with a soft glow of stacked discs.
     Repeater {
-        model: 4
+        model: 9
         delegate: Rectangle {
             required property int index
-            readonly property real size: welcome.w * (0.13 + index * 0.09)
+            readonly property real size: welcome.w * (0.13 + index * 0.035)
             x: welcome.w * 0.66 - size / 2
             y: welcome.h * 0.64 - size / 2
             width: size
             height: size
             radius: size / 2
             color: index === 0 ? Qt.lighter(Theme.warm, 1.35) : Theme.warm
-            opacity: index === 0 ? 0.95 : 0.16 - index * 0.03
+            opacity: index === 0 ? 0.95 : 0.075 - index * 0.006
         }
     }
 
