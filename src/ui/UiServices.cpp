@@ -4,6 +4,8 @@
 #include "AuthedImageItem.h"
 #include "FileOpenRouter.h"
 #include "ImageCache.h"
+#include "ImportWindowModel.h"
+#include "IngestQueue.h"
 #include "LoginViewModel.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
@@ -24,6 +26,9 @@ void registerUiServices(const UiServices &s)
     qmlRegisterSingletonInstance(uri, 1, 0, "Playback", &s.playback);
     qmlRegisterSingletonInstance(uri, 1, 0, "FileRouter", &s.router);
     qmlRegisterSingletonInstance(uri, 1, 0, "Images", &s.images);
+    qmlRegisterSingletonInstance(uri, 1, 0, "Import", &s.importWindow);
+    qmlRegisterUncreatableType<ImportWindowModel>(uri, 1, 0, "ImportWindowModel", QStringLiteral("made by the program"));
+    qmlRegisterUncreatableType<IngestQueue>(uri, 1, 0, "IngestQueue", QStringLiteral("made by the program"));
     qmlRegisterType<LoginViewModel>(uri, 1, 0, "LoginViewModel");
     qmlRegisterType<AuthedImageItem>(uri, 1, 0, "AuthedImageItem");
 }

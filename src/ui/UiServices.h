@@ -3,6 +3,7 @@
 class AppModel;
 class FileOpenRouter;
 class ImageCache;
+class ImportWindowModel;
 class PlaybackQuality;
 class Preferences;
 class Theme;
@@ -20,6 +21,7 @@ struct UiServices {
     PlaybackQuality &playback;
     FileOpenRouter &router;
     ImageCache &images;
+    ImportWindowModel &importWindow;
 };
 
 /// Makes the services and the view types known to QML under the import "Aeroloom.Services".

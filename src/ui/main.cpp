@@ -1,8 +1,13 @@
 // The composition root: builds the services once and hands them to the screens.
 #include "AppModel.h"
 #include "FileOpenRouter.h"
+#include "GeocodeClient.h"
 #include "ImageCache.h"
+#include "ImportWindowModel.h"
+#include "IngestPipeline.h"
+#include "IngestQueue.h"
 #include "KeychainCredentialStore.h"
+#include "MountWatcher.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
 #include "Theme.h"
@@ -18,6 +23,7 @@
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
+#include <QStandardPaths>
 
 #include <QCoroTask>
 
@@ -65,7 +71,20 @@ int main(int argc, char *argv[])
     QCoro::waitFor(appModel.start());
     router.follow(&appModel);
 
-    registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images});
+    // Import: one queue for the life of the program, so closing its window never stops it.
+    GeocodeClient geocoder({});
+    IngestQueue::Services ingest;
+    ingest.client = appModel.client();
+    ingest.process = IngestPipeline::asQueueStep(&geocoder);
+    ingest.workRoot = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Aeroloom");
+    ingest.geocode = [&prefs] { return prefs.boolValue(QStringLiteral("ingest.geocode")); };
+    ingest.keepProcessed = [&prefs] { return prefs.boolValue(QStringLiteral("ingest.keepProcessed")); };
+    IngestQueue queue(ingest);
+    QObject::connect(&appModel, &AppModel::clientChanged, &queue, [&] { queue.setClient(appModel.client()); });
+    MountWatcher mounts;
+    ImportWindowModel importWindow(&queue, &mounts);
+
+    registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images, importWindow});
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,

@@ -49,6 +49,9 @@ RecordingServer::RecordingServer() : d(std::make_unique<Impl>())
     }
     d->port = d->server.bind_to_any_port("127.0.0.1");
     d->thread = std::thread([this] { d->server.listen_after_bind(); });
+    // Stopping a server that has not entered its loop yet would leave it waiting forever.
+    while (!d->server.is_running())
+        std::this_thread::yield();
 }
 
 RecordingServer::~RecordingServer()

@@ -72,7 +72,7 @@ ThemedWindow {
         SectionView { section: "reels" }
     }
 
-    ImportWindow { id: importWindow }
+    ImportWindow { id: importWindow; onShowMainRequested: main.open() }
     CutWindow { id: cutWindow }
     SettingsWindow { id: settingsWindow }
 
