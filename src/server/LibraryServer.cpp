@@ -20,6 +20,7 @@
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <thread>
@@ -44,6 +45,18 @@ struct LibraryServer::Impl {
 };
 
 namespace {
+constexpr std::uint64_t maxJsonBody = 16 * 1024 * 1024;
+
+bool withinJsonLimit(const httplib::Request &req)
+{
+    if (!req.has_header("Content-Length"))
+        return false;
+    const std::string text = req.get_header_value("Content-Length");
+    std::uint64_t length = 0;
+    const auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), length);
+    return ec == std::errc() && ptr == text.data() + text.size() && length <= maxJsonBody;
+}
+
 /// Paths in the log lose anything after the sign-in link's prefix: the code is a credential.
 std::string loggedPath(const std::string &path)
 {
@@ -54,6 +67,13 @@ std::string loggedPath(const std::string &path)
 void LibraryServer::Impl::guard()
 {
     http.set_pre_routing_handler([this](const httplib::Request &req, httplib::Response &res) {
+        // httplib reads the body of every request except an upload into memory: such bodies
+        // are small JSON, and one that isn't is refused before it is read.
+        if (req.method != "PUT" && Reply::hasBody(req) && !withinJsonLimit(req)) {
+            Reply::error(res, 413, "The request body is too large");
+            Reply::closeAfter(req);
+            return httplib::Server::HandlerResponse::Handled;
+        }
         if (Routes::isPublic(req) || auth->identify(req))
             return httplib::Server::HandlerResponse::Unhandled;
         if (config.auth == AuthMode::Basic)
@@ -144,6 +164,9 @@ Result<int> LibraryServer::start()
         int yes = 1;
         ::setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
     });
+    // Uploads over a slow link may pause; a minute of silence is the sign of a client gone.
+    d->http.set_read_timeout(std::chrono::seconds(60));
+    d->http.set_write_timeout(std::chrono::seconds(60));
     errno = 0;
     if (d->config.port == 0) {
         d->port = d->http.bind_to_any_port(d->config.host);
