@@ -141,7 +141,8 @@ Result<void> LibraryServer::open()
                                        *d->auth, *d->device, *d->music});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
     if (fresh && d->config.samples && !d->db->setting("samplesMade")) {
-        const auto made = SampleMaker::make(*d->library, *d->flights, d->staging->folderLock());
+        const auto made = SampleMaker::make(*d->library, *d->flights, d->staging->folderLock(),
+                                             d->config.sampleSeconds);
         if (!made)
             return made.failure();
         d->music->ensure();
