@@ -139,7 +139,7 @@ TEST_F(DownloadTest, AFailedDownloadLeavesNothingUnderTheFinalName)
     EXPECT_EQ(leftovers(), before);
 
     server.clear();
-    for (const QString &bad : {"", "..", "../escape.mp4", "a/b.mp4"}) {
+    for (const QString &bad : QStringList{"", "..", "../escape.mp4", "a/b.mp4"}) {
         r = run(client.downloadToTemporary("x.mp4", bad));
         ASSERT_FALSE(r.ok()) << bad.toStdString();
         EXPECT_EQ(r.failure().code, APIError::badFileName);
