@@ -175,6 +175,13 @@ public:
     static QCoro::Task<Result<QByteArray>> finish(QNetworkReply *reply, CancelToken *cancel);
 
 private:
+    /// Replies are deleted from the event loop: the coroutine that owns one resumes inside the
+    /// reply's own finished() emission.
+    struct DeleteLater {
+        void operator()(QObject *object) const { object->deleteLater(); }
+    };
+    using ReplyPtr = std::unique_ptr<QNetworkReply, DeleteLater>;
+
     /// A POST/PATCH request with a JSON body: 60 s and `Content-Type: application/json`.
     [[nodiscard]] QNetworkRequest jsonRequest(const QString &relative) const;
     /// Sends and awaits one request; `network` rides along so the reply outlives this client.

@@ -11,12 +11,6 @@
 
 #include <cmath>
 
-namespace {
-struct DeleteLater {
-    void operator()(QObject *object) const { object->deleteLater(); }
-};
-} // namespace
-
 QStringList APIClient::mediaHeaders() const
 {
     if (!m_authHeader)
@@ -81,7 +75,7 @@ QCoro::Task<std::optional<QNetworkCookie>> APIClient::webSessionCookie() const
         co_return std::nullopt;
     const QString base = m_base;
     const auto network = m_network;
-    const std::unique_ptr<QNetworkReply, DeleteLater> reply(
+    const ReplyPtr reply(
         network->sendCustomRequest(request(url(QStringLiteral("api/auth/session")), requestTimeout), "POST",
                                    QByteArray()));
     co_await awaitReply(reply.get(), nullptr);
@@ -108,7 +102,7 @@ QCoro::Task<Result<QString>> APIClient::downloadToTemporary(QString relative, QS
         co_return APIError::downloadNotWritten(part.errorString());
 
     const auto network = m_network;
-    const std::unique_ptr<QNetworkReply, DeleteLater> reply(network->get(request(url(relative))));
+    const ReplyPtr reply(network->get(request(url(relative))));
     QString writeError;
     const auto drain = [&] {
         const QByteArray chunk = reply->readAll();
