@@ -83,6 +83,8 @@ public:
     /// Headers a media player must send itself (libmpv `http-header-fields`, ffmpeg `-headers`):
     /// "Authorization: <header>", or none without credentials.
     [[nodiscard]] QStringList mediaHeaders() const;
+    /// The same headers as one ffmpeg `-headers` value (each line ended by CRLF), or empty.
+    [[nodiscard]] QString ffmpegHeaders() const;
     /// The flight's video: "proxy_480.mp4" when the flight has one and `hq` is off, else "proxy.mp4".
     [[nodiscard]] QUrl proxyURL(const QString &flightId, bool has480, bool hq) const;
     /// "flights/<id>/thumb.jpg"

@@ -18,6 +18,14 @@ QStringList APIClient::mediaHeaders() const
     return {QStringLiteral("Authorization: ") + *m_authHeader};
 }
 
+QString APIClient::ffmpegHeaders() const
+{
+    QString text;
+    for (const QString &header : mediaHeaders())
+        text += header + QStringLiteral("\r\n");
+    return text;
+}
+
 QUrl APIClient::proxyURL(const QString &flightId, bool has480, bool hq) const
 {
     const QString file = has480 && !hq ? QStringLiteral("proxy_480.mp4") : QStringLiteral("proxy.mp4");

@@ -9,7 +9,9 @@
 TEST_F(WireTest, MediaHeadersCarryTheClientsAuthorizationOrNothing)
 {
     EXPECT_EQ(client.mediaHeaders(), QStringList{QStringLiteral("Authorization: Bearer t0k")});
+    EXPECT_EQ(client.ffmpegHeaders(), QStringLiteral("Authorization: Bearer t0k\r\n"));
     EXPECT_TRUE(APIClient(server.base(), std::nullopt).mediaHeaders().isEmpty());
+    EXPECT_TRUE(APIClient(server.base(), std::nullopt).ffmpegHeaders().isEmpty());
 }
 
 TEST_F(WireTest, ProxyURLTakesTheLightFileOnlyWhenItExistsAndQualityIsNotForced)
