@@ -113,6 +113,8 @@ QCoro::Task<Result<QString>> APIClient::downloadToTemporary(QString relative, QS
     const ReplyPtr reply(network->get(request(url(relative))));
     QString writeError;
     const auto drain = [&] {
+        if (!reply->isOpen())  // aborted
+            return;
         const QByteArray chunk = reply->readAll();
         if (writeError.isEmpty() && !chunk.isEmpty() && part.write(chunk) != chunk.size()) {
             writeError = part.errorString();
