@@ -28,6 +28,19 @@ TEST_F(WireTest, ProxyURLTakesTheLightFileOnlyWhenItExistsAndQualityIsNotForced)
     EXPECT_EQ(client.poolClipThumbURL(pool).toString(), base + "/flights/F1/clipthumb_c2_123.jpg");
 }
 
+TEST_F(WireTest, ImageBytesComeWhateverTheStatus)
+{
+    server.replyWith(404, "<html>missing</html>", "text/html");
+    EXPECT_EQ(run(client.imageBytes(client.flightThumbURL("F1"))), "<html>missing</html>");
+    expectRequest("GET", "/flights/F1/thumb.jpg", 0);
+    server.setHandler([](const RecordingServer::Request &) {
+        RecordingServer::Reply reply;
+        reply.drop = true;
+        return reply;
+    });
+    EXPECT_TRUE(run(client.imageBytes(client.flightThumbURL("F1"))).isEmpty());
+}
+
 TEST_F(WireTest, WebSessionCookieFromABearerToken)
 {
     server.replyWith(200, R"({"cookie":"ws","token":"abc","maxAge":3600})");
