@@ -67,6 +67,11 @@ std::string loggedPath(const std::string &path)
 void LibraryServer::Impl::guard()
 {
     http.set_pre_routing_handler([this](const httplib::Request &req, httplib::Response &res) {
+        // A request with neither Content-Length nor Transfer-Encoding has no body, as HTTP says
+        // and as the desktop client sends its bodiless POSTs and DELETEs; httplib would instead
+        // wait for a body until the client hangs up.
+        if (!req.has_header("Content-Length") && !req.has_header("Transfer-Encoding"))
+            const_cast<httplib::Request &>(req).headers.emplace("Content-Length", "0");
         // httplib reads the body of every request except an upload into memory: such bodies
         // are small JSON, and one that isn't is refused before it is read.
         if (req.method != "PUT" && Reply::hasBody(req) && !withinJsonLimit(req)) {
