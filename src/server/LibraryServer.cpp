@@ -159,6 +159,7 @@ Result<void> LibraryServer::open()
     d->db = std::move(db).value();
     d->flights = std::make_unique<FlightIndex>(*d->db);
     d->staging = std::make_unique<StagingArea>(*d->library, *d->flights, d->config.quota);
+    d->staging->recover();
     d->tokens = std::make_unique<TokenStore>(*d->db);
     d->auth = std::make_unique<Authenticator>(d->config, *d->tokens);
     d->device = std::make_unique<DeviceSignIn>(d->config, *d->library, *d->tokens);

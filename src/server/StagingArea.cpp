@@ -3,6 +3,8 @@
 #include "FlightCheck.h"
 
 #include <cstdio>
+#include <fstream>
+#include <vector>
 #ifdef __linux__
 #include <fcntl.h>
 #include <stdio.h>
@@ -200,4 +202,35 @@ void StagingArea::discard(const std::string &id)
     std::error_code ec;
     if (fs::exists(m_library.staging(id), ec))
         m_library.removeFolder(m_library.staging(id));
+}
+
+void StagingArea::recover()
+{
+    std::lock_guard guard(m_folders);
+    std::error_code ec;
+    for (const auto &id : m_index.ids()) {
+        if (!fs::is_directory(m_library.flight(id), ec))
+            m_index.remove(id);
+    }
+    std::vector<fs::path> folders;
+    for (const auto &entry : fs::directory_iterator(m_library.flights(), ec))
+        folders.push_back(entry.path());
+    for (const auto &folder : folders) {
+        const std::string id = folder.filename().string();
+        if (m_index.exists(id))
+            continue;
+        const auto meta = FlightCheck::readMeta(folder / "flight.json");
+        if (!meta || !fs::exists(folder / "proxy.mp4", ec)) {
+            m_library.removeFolder(folder);
+            continue;
+        }
+        std::optional<std::string> clips;
+        if (std::ifstream in(folder / "clips.json", std::ios::binary); in) {
+            const auto doc = nlohmann::ordered_json::parse(in, nullptr, false);
+            if (doc.is_object())
+                clips = doc.dump();
+        }
+        m_index.put({id, FlightCheck::manifestEntry(id, *meta, fs::exists(folder / "proxy_480.mp4", ec)).dump(),
+                     FlightCheck::sourceStem(*meta), Library::folderBytes(folder), false, clips});
+    }
 }
