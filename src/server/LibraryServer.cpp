@@ -20,6 +20,7 @@
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <regex>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
@@ -48,6 +49,9 @@ struct LibraryServer::Impl {
 namespace {
 /// Where a refused request with a body is sent to have its body read before the 401.
 constexpr const char *refusalPath = "/.refused";
+/// Where a PUT to a path that takes no upload is sent, to have its body dropped before the 404.
+constexpr const char *nowherePath = "/.nowhere";
+const std::regex uploadPath(R"(/api/flights/[^/]+/files/[^/]+)");
 constexpr std::uint64_t maxJsonBody = 16 * 1024 * 1024;
 
 bool withinJsonLimit(const httplib::Request &req)
@@ -89,6 +93,11 @@ void LibraryServer::Impl::guard()
             Reply::closeAfter(req);
             return httplib::Server::HandlerResponse::Handled;
         }
+        // httplib would read the body of a PUT to any other path into memory before its 404.
+        if (req.method == "PUT" && !std::regex_match(req.path, uploadPath)) {
+            const_cast<httplib::Request &>(req).path = nowherePath;
+            return httplib::Server::HandlerResponse::Unhandled;
+        }
         if (Routes::isPublic(req) || auth->identify(req))
             return httplib::Server::HandlerResponse::Unhandled;
         if (!Reply::hasBody(req)) {
@@ -108,6 +117,10 @@ void LibraryServer::Impl::guard()
     http.Put(refusalPath, [this](const httplib::Request &, httplib::Response &res, const httplib::ContentReader &reader) {
         reader([](const char *, std::size_t) { return true; });
         refuse(res);
+    });
+    http.Put(nowherePath, [](const httplib::Request &, httplib::Response &res, const httplib::ContentReader &reader) {
+        reader([](const char *, std::size_t) { return true; });
+        Reply::error(res, 404, "Not found");
     });
     // Routes answer their own failures with a detail; this fills in those httplib makes itself.
     http.set_error_handler([](const httplib::Request &, httplib::Response &res) {
