@@ -168,10 +168,11 @@ StagingArea::Outcome StagingArea::commit(const std::string &id)
     FlightIndex::Row row{id,
                          FlightCheck::manifestEntry(id, *meta, fs::exists(stage / "proxy_480.mp4", ec)).dump(),
                          FlightCheck::sourceStem(*meta), bytes, false, std::nullopt};
-    // A flight sent again keeps the clips marked on it, unless the upload brings its own.
-    if (existing && !fs::exists(stage / "clips.json", ec)) {
+    // A flight sent again keeps the clips marked on it (an upload never brings clips.json).
+    if (existing && existing->clips) {
         fs::copy_file(final / "clips.json", stage / "clips.json", ec);
-        row.clips = existing->clips;
+        if (!ec)
+            row.clips = existing->clips;
     }
 
     const bool replacing = fs::exists(final, ec);
