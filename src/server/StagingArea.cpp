@@ -88,10 +88,11 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
                                           std::optional<std::int64_t> declaredLength, const BodyReader &read)
 {
     const std::int64_t limit = sizeLimit(name);
-    // Staged files of this same flight are being replaced, so they don't count against it.
+    // A staged copy of this same file, and the committed flight this upload will replace, are
+    // on their way out: they don't count against it.
     std::error_code ec;
     const auto previous = fs::file_size(m_library.staging(id) / name, ec);
-    const std::int64_t room = available() + (ec ? 0 : static_cast<std::int64_t>(previous));
+    const std::int64_t room = available(id) + (ec ? 0 : static_cast<std::int64_t>(previous));
     if (declaredLength && *declaredLength > room)
         return {413, "Storage quota exceeded: " + quotaDetail(*declaredLength, room, m_quota)};
     if (declaredLength && *declaredLength > limit)
