@@ -38,10 +38,11 @@ QString sizeText(std::int64_t bytes)
     return QStringLiteral("%1 kB").arg((bytes + 999) / 1000);
 }
 
-std::string quotaDetail(std::int64_t needed, std::int64_t available, std::int64_t quota)
+/// The words after the client's own "Storage quota exceeded — ".
+std::string quotaDetail(const std::string &what, std::int64_t needed, std::int64_t available, std::int64_t quota)
 {
-    return QStringLiteral("this needs %1, and %2 of the library's %3 are free")
-        .arg(sizeText(needed), sizeText(available), sizeText(quota))
+    return QStringLiteral("%1 needs %2, and %3 of the library's %4 are free")
+        .arg(QString::fromStdString(what), sizeText(needed), sizeText(available), sizeText(quota))
         .toStdString();
 }
 
@@ -94,7 +95,7 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
     const auto previous = fs::file_size(m_library.staging(id) / name, ec);
     const std::int64_t room = available(id) + (ec ? 0 : static_cast<std::int64_t>(previous));
     if (declaredLength && *declaredLength > room)
-        return {413, "Storage quota exceeded: " + quotaDetail(*declaredLength, room, m_quota)};
+        return {413, "Storage quota exceeded: " + quotaDetail(name, *declaredLength, room, m_quota)};
     if (declaredLength && *declaredLength > limit)
         return {413, name + " is too large"};
 
@@ -117,7 +118,8 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
             return true;
         written += static_cast<std::int64_t>(length);
         if (written > room)
-            return stop({413, "Storage quota exceeded: " + quotaDetail(declaredLength.value_or(written), room, m_quota)});
+            return stop({413, "Storage quota exceeded: "
+                                  + quotaDetail(name, declaredLength.value_or(written), room, m_quota)});
         if (written > limit)
             return stop({413, name + " is too large"});
         if (std::fwrite(data, 1, length, file.get()) != length)
@@ -128,7 +130,9 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
     file.reset();
     if (!complete || !flushed || failure.status != 200 || (declaredLength && written != *declaredLength)) {
         fs::remove(part, ec);
-        if (failure.status == 200)
+        if (failure.status == 200 && !flushed)
+            failure = {507, "The server's disk is full"};
+        else if (failure.status == 200)
             failure = {400, "The upload of " + name + " ended early"};
         failure.bodyRead = complete;
         return failure;
@@ -162,7 +166,7 @@ StagingArea::Outcome StagingArea::commit(const std::string &id)
     if (m_quota > 0) {
         const std::int64_t free = m_quota - (m_index.usedBytes() - (existing ? existing->bytes : 0));
         if (bytes > free)
-            return {413, "Storage quota exceeded: " + quotaDetail(bytes, free, m_quota)};
+            return {413, quotaDetail("the flight", bytes, free, m_quota)};
     }
 
     const fs::path final = m_library.flight(id);
