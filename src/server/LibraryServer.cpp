@@ -180,13 +180,17 @@ Result<void> LibraryServer::open()
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
                                        *d->auth, *d->device, *d->music});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
-    if (fresh && d->config.samples && !d->db->setting("samplesMade")) {
+    // Without them (no ffmpeg, say) the library still serves: that is said, not fatal.
+    if (fresh && d->config.samples) {
         const auto made = SampleMaker::make(*d->library, *d->flights, d->staging->folderLock(),
                                              d->config.sampleSeconds);
-        if (!made)
-            return made.failure();
-        d->music->ensure();
-        d->db->setSetting("samplesMade", std::to_string(made.value()));
+        if (made) {
+            d->music->ensure();
+            d->db->setSetting("samplesMade", std::to_string(made.value()));
+        } else {
+            std::fprintf(stderr, "aeroloom-server: the sample flights could not be made: %s\n",
+                         qPrintable(made.errorText()));
+        }
     }
     return {};
 }
