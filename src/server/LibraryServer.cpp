@@ -17,7 +17,10 @@
 
 #include <QString>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <regex>
@@ -40,6 +43,14 @@ struct LibraryServer::Impl {
     httplib::Server http;
     std::thread thread;
     int port = 0;
+    int lockFd = -1;  ///< held while this server owns the library
+
+    void unlock()
+    {
+        if (lockFd >= 0)
+            ::close(lockFd);
+        lockFd = -1;
+    }
 
     void routes();
     void guard();
@@ -165,6 +176,15 @@ Result<void> LibraryServer::open()
     if (!library)
         return library.failure();
     d->library.emplace(std::move(library).value());
+    // Two servers on one library would race over its folders: the second one stops here.
+    d->lockFd = ::open((d->library->root() / ".server.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (d->lockFd < 0 || ::flock(d->lockFd, LOCK_EX | LOCK_NB) != 0) {
+        d->unlock();
+        return Failure{QStringLiteral("server"), 5,
+                       QStringLiteral("The library %1 is already served by another aeroloom-server.")
+                           .arg(QString::fromStdString(d->library->root().string()))};
+    }
+    d->library->tidy();
     const bool fresh = !std::filesystem::exists(d->library->database());
     auto db = Database::open(d->library->database());
     if (!db)
@@ -241,6 +261,7 @@ void LibraryServer::stop()
         d->http.stop();
         d->thread.join();
     }
+    d->unlock();
 }
 
 int LibraryServer::port() const
@@ -261,4 +282,15 @@ const ServerConfig &LibraryServer::config() const
 std::string LibraryServer::createToken(const std::string &email)
 {
     return d->tokens->create(email, "command line");
+}
+
+Result<std::string> LibraryServer::createToken(const std::filesystem::path &library, const std::string &email)
+{
+    auto opened = Library::open(library);
+    if (!opened)
+        return opened.failure();
+    auto db = Database::open(opened->database());
+    if (!db)
+        return db.failure();
+    return TokenStore(*db.value()).create(email, "command line");
 }
