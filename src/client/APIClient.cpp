@@ -3,15 +3,16 @@
 #include "APIError.h"
 
 #include <QNetworkReply>
-#include <QPointer>
 
 #include <QCoroNetworkReply>
 
-APIClient::APIClient(const QString &base, std::optional<QString> authHeader, QObject *parent)
+APIClient::APIClient(const QString &base, std::optional<QString> authHeader, QObject *parent,
+                     std::shared_ptr<QNetworkAccessManager> network)
     : QObject(parent)
     , m_base(base.endsWith(QLatin1Char('/')) ? base.chopped(1) : base)
     , m_authHeader(std::move(authHeader))
-    , m_network(std::make_unique<QNetworkAccessManager>())
+    , m_network(network ? std::move(network)
+                        : std::shared_ptr<QNetworkAccessManager>(new QNetworkAccessManager, DeleteLater{}))
 {
     // Nothing is ever served from a cache: flight and clip lists change under the client.
     m_network->setCache(nullptr);
@@ -35,7 +36,14 @@ QNetworkRequest APIClient::request(const QUrl &url, std::chrono::milliseconds ti
     return req;
 }
 
-Result<QByteArray> APIClient::judge(QNetworkReply &reply)
+QNetworkRequest APIClient::jsonRequest(const QString &relative) const
+{
+    QNetworkRequest req = request(url(relative), requestTimeout);
+    req.setHeader(QNetworkRequest::ContentTypeHeader, QByteArrayLiteral("application/json"));
+    return req;
+}
+
+Result<void> APIClient::judgeStatus(QNetworkReply &reply)
 {
     const QVariant statusAttr = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute);
     // A reply that never got an HTTP status is a transport failure with its own words.
@@ -50,12 +58,18 @@ Result<QByteArray> APIClient::judge(QNetworkReply &reply)
     // transport failure.
     if (reply.error() != QNetworkReply::NoError && reply.error() < QNetworkReply::ContentAccessDenied)
         return APIError::transport(reply);
+    return {};
+}
+
+Result<QByteArray> APIClient::judge(QNetworkReply &reply)
+{
+    if (auto status = judgeStatus(reply); !status)
+        return status.failure();
     return reply.readAll();
 }
 
-QCoro::Task<Result<QByteArray>> APIClient::finish(QNetworkReply *reply, CancelToken *cancel)
+QCoro::Task<> APIClient::awaitReply(QNetworkReply *reply, CancelToken *cancel)
 {
-    std::unique_ptr<QNetworkReply, void (*)(QNetworkReply *)> owner(reply, [](QNetworkReply *r) { r->deleteLater(); });
     QMetaObject::Connection abort;
     if (cancel) {
         if (cancel->isCancelled())
@@ -65,25 +79,37 @@ QCoro::Task<Result<QByteArray>> APIClient::finish(QNetworkReply *reply, CancelTo
     if (!reply->isFinished())
         co_await qCoro(reply).waitForFinished();
     QObject::disconnect(abort);
+}
+
+QCoro::Task<Result<QByteArray>> APIClient::finish(QNetworkReply *reply, CancelToken *cancel)
+{
+    const ReplyPtr owner(reply);
+    co_await awaitReply(reply, cancel);
     co_return judge(*reply);
+}
+
+QCoro::Task<Result<QByteArray>> APIClient::perform(std::shared_ptr<QNetworkAccessManager> network,
+                                                   QNetworkRequest request, QByteArray verb, QByteArray body,
+                                                   CancelToken *cancel)
+{
+    QNetworkReply *started = verb == "GET" ? network->get(request) : network->sendCustomRequest(request, verb, body);
+    co_return co_await finish(started, cancel);
 }
 
 QCoro::Task<Result<QByteArray>> APIClient::getJSON(QString relative, CancelToken *cancel) const
 {
-    co_return co_await finish(m_network->get(request(url(relative))), cancel);
+    return perform(m_network, request(url(relative)), QByteArrayLiteral("GET"), {}, cancel);
 }
 
 QCoro::Task<Result<QByteArray>> APIClient::sendJSON(QByteArray verb, QString relative, QByteArray body,
                                                     CancelToken *cancel) const
 {
-    QNetworkRequest req = request(url(relative), requestTimeout);
-    req.setHeader(QNetworkRequest::ContentTypeHeader, QByteArrayLiteral("application/json"));
-    co_return co_await finish(m_network->sendCustomRequest(req, verb, body), cancel);
+    return perform(m_network, jsonRequest(relative), std::move(verb), std::move(body), cancel);
 }
 
 QCoro::Task<Result<QByteArray>> APIClient::sendEmpty(QByteArray verb, QString relative, CancelToken *cancel) const
 {
-    co_return co_await finish(m_network->sendCustomRequest(request(url(relative), requestTimeout), verb), cancel);
+    return perform(m_network, request(url(relative), requestTimeout), std::move(verb), {}, cancel);
 }
 
 QCoro::Task<Result<Me>> APIClient::fetchMe() const

@@ -26,4 +26,19 @@ Failure transport(const QNetworkReply &reply)
     return {networkDomain, int(reply.error()), reply.errorString()};
 }
 
+Failure badDownloadName(const QString &fileName)
+{
+    return {fileDomain, badFileName, QStringLiteral("“%1” isn’t a usable file name for a download.").arg(fileName)};
+}
+
+Failure downloadNotWritten(const QString &detail)
+{
+    return {fileDomain, cannotWrite, QStringLiteral("The download couldn’t be saved: %1").arg(detail)};
+}
+
+Failure downloadNotMoved(const QString &fileName)
+{
+    return {fileDomain, cannotMove, QStringLiteral("The download couldn’t be moved to “%1”.").arg(fileName)};
+}
+
 } // namespace APIError

@@ -6,25 +6,44 @@
 #include <QString>
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace fs = std::filesystem;
 
 namespace {
 struct Bed {
     const char *path;
-    const char *expression;  ///< an aevalsrc expression: a chord with a slow swell
+    std::initializer_list<double> chord;  ///< frequencies in Hz
+    double swell;                         ///< tremolo rate in Hz
 };
 
-// Plain chords with a swell, so the beds sound like music and owe nothing to anyone.
-constexpr Bed beds[] = {
-    {"01.Dawn Patrol.m4a",
-     "0.16*(sin(2*PI*220*t)+sin(2*PI*277.18*t)+sin(2*PI*329.63*t))*(0.6+0.4*sin(2*PI*0.25*t))"},
-    {"02.Ridge Line.m4a",
-     "0.16*(sin(2*PI*196*t)+sin(2*PI*246.94*t)+sin(2*PI*293.66*t))*(0.5+0.5*abs(sin(2*PI*1*t)))"},
-    {"ambient/03.Slow Orbit.m4a",
-     "0.14*(sin(2*PI*174.61*t)+sin(2*PI*220*t)+sin(2*PI*261.63*t)+0.5*sin(2*PI*349.23*t))*(0.7+0.3*sin(2*PI*0.1*t))"},
+// Plain chords with a slow swell, so the beds sound like music and owe nothing to anyone.
+const Bed beds[] = {
+    {"01.Dawn Patrol.m4a", {220.0, 277.18, 329.63}, 0.25},
+    {"02.Ridge Line.m4a", {196.0, 246.94, 293.66}, 1.0},
+    {"ambient/03.Slow Orbit.m4a", {174.61, 220.0, 261.63, 349.23}, 0.1},
 };
 constexpr int bedSeconds = 40;
+
+QStringList bedArguments(const Bed &bed, const QString &output)
+{
+    QStringList args{QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error")};
+    for (const double frequency : bed.chord) {
+        args << QStringLiteral("-f") << QStringLiteral("lavfi") << QStringLiteral("-i")
+             << QStringLiteral("sine=frequency=%1:sample_rate=44100:duration=%2").arg(frequency).arg(bedSeconds);
+    }
+    QString graph;
+    for (std::size_t i = 0; i < bed.chord.size(); ++i)
+        graph += QStringLiteral("[%1:a]").arg(i);
+    graph += QStringLiteral("amix=inputs=%1,tremolo=f=%2:d=0.4,afade=t=in:d=2,afade=t=out:st=%3:d=3")
+                 .arg(bed.chord.size())
+                 .arg(bed.swell)
+                 .arg(bedSeconds - 3);
+    args << QStringLiteral("-filter_complex") << graph << QStringLiteral("-c:a") << QStringLiteral("aac")
+         << QStringLiteral("-b:a") << QStringLiteral("128k") << QStringLiteral("-f") << QStringLiteral("mp4")
+         << QStringLiteral("-y") << output;
+    return args;
+}
 } // namespace
 
 void MusicMaker::ensure()
@@ -38,14 +57,7 @@ void MusicMaker::ensure()
     for (const auto &bed : beds) {
         const fs::path target = m_library.music() / bed.path;
         const fs::path part = m_library.tmpName(".m4a");
-        const auto made = ToolRun::run(
-            ToolRun::ffmpeg(),
-            {QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"),
-             QStringLiteral("lavfi"), QStringLiteral("-i"),
-             QStringLiteral("aevalsrc=%1:s=44100:d=%2").arg(QLatin1String(bed.expression)).arg(bedSeconds),
-             QStringLiteral("-af"), QStringLiteral("afade=t=in:d=2,afade=t=out:st=%1:d=3").arg(bedSeconds - 3),
-             QStringLiteral("-c:a"), QStringLiteral("aac"), QStringLiteral("-b:a"), QStringLiteral("128k"),
-             QStringLiteral("-f"), QStringLiteral("mp4"), QStringLiteral("-y"), QString::fromStdString(part.string())});
+        const auto made = ToolRun::run(ToolRun::ffmpeg(), bedArguments(bed, QString::fromStdString(part.string())));
         std::error_code ec;
         if (!made) {
             fs::remove(part, ec);

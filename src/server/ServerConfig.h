@@ -21,6 +21,7 @@ struct ServerConfig {
     std::string password;                 ///< Basic only
     std::int64_t quota = 0;               ///< bytes; 0 means no limit
     bool samples = true;                  ///< a new library gets sample flights
+    int sampleSeconds = 20;               ///< length of each sample flight
     std::chrono::seconds deviceExpiry{15 * 60};  ///< life of a device sign-in attempt
     Clock clock;                          ///< empty: the system clock (tests move time by hand)
     bool log = true;                      ///< one line per request on stderr

@@ -1,40 +1,40 @@
 #include "ToolRun.h"
 
-#include <QProcess>
-#include <QStandardPaths>
+#include "ProcessError.h"
+#include "ProcessRunner.h"
+#include "ToolLocator.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <stop_token>
+#include <thread>
 
 namespace ToolRun {
 
 QString ffmpeg()
 {
-    const QString fromEnv = qEnvironmentVariable("AEROLOOM_FFMPEG");
-    if (!fromEnv.isEmpty())
-        return fromEnv;
-    return QStandardPaths::findExecutable(QStringLiteral("ffmpeg"));
+    return ToolLocator::ffmpeg().value_or(QString());
 }
 
 Result<void> run(const QString &program, const QStringList &arguments, std::chrono::milliseconds timeout)
 {
-    const auto failure = [&program](const QString &why) {
-        return Failure{QStringLiteral("process"), 1, QStringLiteral("%1 failed: %2").arg(program, why)};
-    };
     if (program.isEmpty())
-        return failure(QStringLiteral("the tool was not found"));
-    QProcess process;
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardOutputFile(QProcess::nullDevice());
-    process.start(program, arguments);
-    if (!process.waitForStarted(10000))
-        return failure(QStringLiteral("it could not be started"));
-    if (!process.waitForFinished(static_cast<int>(timeout.count()))) {
-        process.kill();
-        process.waitForFinished(-1);
-        return failure(QStringLiteral("it took too long"));
-    }
-    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
-        const QString err = QString::fromUtf8(process.readAllStandardError()).trimmed();
-        return failure(err.right(300));
-    }
+        return ProcessError::startFailed(QStringLiteral("ffmpeg"), QStringLiteral("it was not found"));
+    // A child that runs past its time is stopped the way a cancelled one is.
+    std::stop_source stop;
+    std::jthread watchdog([&stop, timeout](std::stop_token done) {
+        std::mutex mutex;
+        std::condition_variable_any wake;
+        std::unique_lock lock(mutex);
+        wake.wait_for(lock, done, timeout, [] { return false; });
+        if (!done.stop_requested())
+            stop.request_stop();
+    });
+    const auto result = ProcessRunner::runBlocking(program, arguments, {}, stop.get_token());
+    if (!result)
+        return result.failure();
+    if (result->status != 0)
+        return ProcessError::failed(program, result->status, result->stdErr);
     return {};
 }
 

@@ -59,6 +59,25 @@ void putAndHangUp(int port, const std::string &path, std::size_t declared, std::
     ::close(fd);
 }
 
+/// Sends the head of a request by hand and returns the first reply, without sending any body.
+std::string headOnly(int port, const std::string &head)
+{
+    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in addr{};
+    addr.sin_family = AF_INET;
+    addr.sin_port = htons(static_cast<uint16_t>(port));
+    addr.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (::connect(fd, reinterpret_cast<sockaddr *>(&addr), sizeof addr) != 0)
+        return {};
+    ::send(fd, head.data(), head.size(), 0);
+    timeval timeout{5, 0};
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout);
+    char buffer[4096];
+    const auto got = ::recv(fd, buffer, sizeof buffer, 0);
+    ::close(fd);
+    return got > 0 ? std::string(buffer, static_cast<std::size_t>(got)) : std::string();
+}
+
 template <typename Condition>
 bool eventually(Condition condition)
 {
@@ -248,6 +267,23 @@ TEST(Hostile, ARefusedUploadLeavesTheNextRequestOnTheConnectionIntact)
                   ->status,
               413);
     EXPECT_EQ(client->Get("/api/hidden")->status, 200);
+    EXPECT_EQ(client->Put("/api/flights/x/y/z", body, "application/octet-stream")->status, 404);
+    EXPECT_EQ(client->Get("/api/hidden")->status, 200);
     EXPECT_EQ(client->Put((path + "thumb.jpg").c_str(), body, "application/octet-stream")->status, 200);
     EXPECT_EQ(client->Get("/api/hidden")->status, 200);
+}
+
+TEST(Hostile, AnOversizedJsonBodyIsRefusedBeforeItIsRead)
+{
+    TestServer server;
+    // Nothing of the 100 MB is sent: the answer must come from the head alone.
+    const std::string reply = headOnly(server.server().port(),
+                                       "POST /api/clips/x HTTP/1.1\r\nHost: 127.0.0.1\r\nContent-Type: application/json\r\n"
+                                       "Content-Length: 100000000\r\n\r\n");
+    EXPECT_EQ(reply.rfind("HTTP/1.1 413", 0), 0u) << reply;
+    const std::string chunked = headOnly(server.server().port(),
+                                         "POST /api/projects HTTP/1.1\r\nHost: 127.0.0.1\r\n"
+                                         "Transfer-Encoding: chunked\r\n\r\n");
+    EXPECT_EQ(chunked.rfind("HTTP/1.1 413", 0), 0u) << chunked;
+    EXPECT_EQ(server.client()->Get("/api/me")->status, 200);
 }

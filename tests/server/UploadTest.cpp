@@ -136,7 +136,8 @@ TEST_F(Upload, CommitOverTheQuotaIsRefusedWithADetail)
     httplib::Client again(smaller.baseUrl());
     const auto commit = again.Post(("/api/flights/" + flightId + "/commit").c_str());
     EXPECT_EQ(commit->status, 413);
-    EXPECT_TRUE(jsonOf(commit)["detail"].is_string());
+    // The client puts "Storage quota exceeded — " before the detail itself.
+    EXPECT_EQ(jsonOf(commit)["detail"].get<std::string>().rfind("the flight needs ", 0), 0u) << commit->body;
     EXPECT_EQ(jsonOf(again.Get("/manifest.json"))["flights"].size(), 0u);
 }
 
@@ -168,6 +169,19 @@ TEST_F(Upload, SendingAFlightAgainReplacesItAndKeepsItsClips)
     EXPECT_EQ(jsonOf(client->Get("/api/clips"))["clips"].size(), 1u);
 }
 
+TEST_F(Upload, AnIdMadeFromAPlainFileNameWorks)
+{
+    // Files without a camera name are known by their stem, spaces and all.
+    TestServer server;
+    auto client = server.client();
+    ASSERT_EQ(uploadFlight(*client, "my%20clip%20(1)", *folder)->status, 200);
+    EXPECT_EQ(jsonOf(client->Get("/api/flights"))["ids"], nlohmann::json::array({"my clip (1)"}));
+    EXPECT_EQ(client->Get("/flights/my%20clip%20(1)/thumb.jpg")->status, 200);
+    const auto entry = jsonOf(client->Get("/manifest.json"))["flights"][0];
+    EXPECT_EQ(entry["id"], "my clip (1)");
+    EXPECT_FALSE(entry.contains("date"));
+}
+
 TEST_F(Upload, DeletingAFlightRemovesItsFiles)
 {
     TestServer server;
@@ -179,4 +193,47 @@ TEST_F(Upload, DeletingAFlightRemovesItsFiles)
     EXPECT_FALSE(fs::exists(server.library() / "flights" / flightId));
     EXPECT_EQ(jsonOf(client->Get("/api/flights"))["used"], 0);
     EXPECT_EQ(client->Delete(("/api/flights/" + flightId).c_str())->status, 404);
+}
+
+TEST_F(Upload, StagingForgottenForADayIsClearedAtStart)
+{
+    TestServer server;
+    auto client = server.client();
+    for (const char *id : {"old", "recent"}) {
+        ASSERT_EQ(client->Put((std::string("/api/flights/") + id + "/files/thumb.jpg").c_str(), std::string(10, 'x'),
+                              "application/octet-stream")->status,
+                  200);
+    }
+    server.server().stop();
+    fs::last_write_time(server.library() / "staging" / "old",
+                        fs::file_time_type::clock::now() - std::chrono::hours(25));
+    LibraryServer again(server.server().config());
+    ASSERT_TRUE(again.start());
+    EXPECT_FALSE(fs::exists(server.library() / "staging" / "old"));
+    EXPECT_TRUE(fs::exists(server.library() / "staging" / "recent" / "thumb.jpg"));
+}
+
+TEST_F(Upload, AStartAfterAnInterruptedCommitOrDeleteSetsTheListRight)
+{
+    TestServer server;
+    auto client = server.client();
+    ASSERT_EQ(uploadFlight(*client, flightId, *folder)->status, 200);
+    ASSERT_EQ(client->Post(("/api/clips/" + flightId).c_str(), R"({"clips":[{"id":"c","in":0,"out":1,"label":""}]})",
+                           "application/json")->status,
+              200);
+    server.server().stop();
+    // As if the server stopped between the steps: a whole flight that was never recorded, a
+    // half one, and a record whose folder is gone.
+    const fs::path flights = server.library() / "flights";
+    fs::rename(flights / flightId, flights / "unrecorded");
+    fs::create_directories(flights / "half");
+    writeFile(flights / "half" / "flight.json", "{\"meta\":");
+
+    LibraryServer again(server.server().config());
+    ASSERT_TRUE(again.start());
+    httplib::Client second(again.baseUrl());
+    EXPECT_EQ(jsonOf(second.Get("/api/flights"))["ids"], nlohmann::json::array({"unrecorded"}));
+    EXPECT_FALSE(fs::exists(flights / "half"));
+    EXPECT_EQ(jsonOf(second.Get("/api/clips"))["clips"].size(), 1u);
+    EXPECT_EQ(jsonOf(second.Get("/manifest.json"))["flights"][0]["place"], "Test Field");
 }
