@@ -18,6 +18,10 @@ inline constexpr double distanceImperial = 0.000621371; // mi
 [[nodiscard]] constexpr double altitudeFactor(bool metric) { return metric ? altitudeMetric : altitudeImperial; }
 [[nodiscard]] constexpr double speedFactor(bool metric) { return metric ? speedMetric : speedImperial; }
 [[nodiscard]] constexpr double distanceFactor(bool metric) { return metric ? distanceMetric : distanceImperial; }
+/// Metres to metres or feet; metres per second to km/h or mph; metres to km or miles.
+[[nodiscard]] constexpr double altitude(double metres, bool metric) { return metres * altitudeFactor(metric); }
+[[nodiscard]] constexpr double speed(double metresPerSecond, bool metric) { return metresPerSecond * speedFactor(metric); }
+[[nodiscard]] constexpr double distance(double metres, bool metric) { return metres * distanceFactor(metric); }
 [[nodiscard]] QString altitudeUnit(bool metric);
 [[nodiscard]] QString speedUnit(bool metric);
 [[nodiscard]] QString distanceUnit(bool metric);
