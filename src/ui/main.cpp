@@ -83,6 +83,10 @@ int main(int argc, char *argv[])
     QObject::connect(&appModel, &AppModel::clientChanged, &queue, [&] { queue.setClient(appModel.client()); });
     MountWatcher mounts;
     ImportWindowModel importWindow(&queue, &mounts);
+    importWindow.refresh();
+    // Files handed to the program go to the queue as soon as somebody is signed in; the main
+    // window opens the import window on the same signal.
+    QObject::connect(&router, &FileOpenRouter::importWanted, &importWindow, [&] { importWindow.addUrls(router.take()); });
 
     registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images, importWindow});
 

@@ -18,15 +18,7 @@ ThemedWindow {
     readonly property var queue: Import.queue
     signal showMainRequested()
 
-    function takeOpenedFiles() {
-        if (App.loggedIn && FileRouter.hasPending)
-            Import.addUrls(FileRouter.take())
-    }
-    onVisibleChanged: if (visible) { Import.refresh(); takeOpenedFiles() }
-    Connections {
-        target: FileRouter
-        function onPendingChanged() { if (window.visible) window.takeOpenedFiles() }
-    }
+    onVisibleChanged: if (visible) Import.refresh()
 
     SignedOutWindowNotice {
         anchors.fill: parent
