@@ -1,5 +1,6 @@
 #include "UiServices.h"
 
+#include "AccountSettingsModel.h"
 #include "AppModel.h"
 #include "AuthedImageItem.h"
 #include "FileOpenRouter.h"
@@ -9,6 +10,7 @@
 #include "LoginViewModel.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
+#include "StorageSettingsModel.h"
 #include "Theme.h"
 #include "ThemeManager.h"
 #include "UnitsPref.h"
@@ -27,6 +29,8 @@ void registerUiServices(const UiServices &s)
     qmlRegisterSingletonInstance(uri, 1, 0, "FileRouter", &s.router);
     qmlRegisterSingletonInstance(uri, 1, 0, "Images", &s.images);
     qmlRegisterSingletonInstance(uri, 1, 0, "Import", &s.importWindow);
+    qmlRegisterSingletonInstance(uri, 1, 0, "AccountSettings", &s.accountSettings);
+    qmlRegisterSingletonInstance(uri, 1, 0, "StorageSettings", &s.storageSettings);
     qmlRegisterUncreatableType<ImportWindowModel>(uri, 1, 0, "ImportWindowModel", QStringLiteral("made by the program"));
     qmlRegisterUncreatableType<IngestQueue>(uri, 1, 0, "IngestQueue", QStringLiteral("made by the program"));
     qmlRegisterType<LoginViewModel>(uri, 1, 0, "LoginViewModel");

@@ -1,5 +1,6 @@
 #pragma once
 
+class AccountSettingsModel;
 class AppModel;
 class FileOpenRouter;
 class ImageCache;
@@ -7,6 +8,7 @@ class ImportWindowModel;
 class PlaybackQuality;
 class Preferences;
 class Theme;
+class StorageSettingsModel;
 class ThemeManager;
 class UnitsPref;
 
@@ -22,6 +24,8 @@ struct UiServices {
     FileOpenRouter &router;
     ImageCache &images;
     ImportWindowModel &importWindow;
+    AccountSettingsModel &accountSettings;
+    StorageSettingsModel &storageSettings;
 };
 
 /// Makes the services and the view types known to QML under the import "Aeroloom.Services".

@@ -1,4 +1,6 @@
 // The composition root: builds the services once and hands them to the screens.
+#include "AccountSettingsModel.h"
+#include "AppEvents.h"
 #include "AppModel.h"
 #include "FileOpenRouter.h"
 #include "GeocodeClient.h"
@@ -11,6 +13,7 @@
 #include "PlaybackQuality.h"
 #include "Preferences.h"
 #include "Theme.h"
+#include "StorageSettingsModel.h"
 #include "ThemeManager.h"
 #include "UiServices.h"
 #include "UnitsPref.h"
@@ -80,6 +83,8 @@ int main(int argc, char *argv[])
     ingest.geocode = [&prefs] { return prefs.boolValue(QStringLiteral("ingest.geocode")); };
     ingest.keepProcessed = [&prefs] { return prefs.boolValue(QStringLiteral("ingest.keepProcessed")); };
     IngestQueue queue(ingest);
+    AppEvents events;
+    QObject::connect(&queue, &IngestQueue::flightImported, &events, &AppEvents::flightImported);
     QObject::connect(&appModel, &AppModel::clientChanged, &queue, [&] { queue.setClient(appModel.client()); });
     MountWatcher mounts;
     ImportWindowModel importWindow(&queue, &mounts);
@@ -88,7 +93,11 @@ int main(int argc, char *argv[])
     // window opens the import window on the same signal.
     QObject::connect(&router, &FileOpenRouter::importWanted, &importWindow, [&] { importWindow.addUrls(router.take()); });
 
-    registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images, importWindow});
+    AccountSettingsModel accountSettings(appModel, &events);
+    StorageSettingsModel storageSettings(prefs, queue.pendingDir());
+
+    registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images, importWindow,
+                        accountSettings, storageSettings});
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,

@@ -1,6 +1,8 @@
-// The settings window. Account rows that need the library's own calls arrive with those calls.
+// The settings window: Account, Import, Export and Appearance. What each row shows and does is
+// decided by the settings models; this file lays them out.
 import QtQuick
 import QtQuick.Controls
+import QtQuick.Dialogs
 import QtQuick.Layouts
 import Aeroloom.Services
 
@@ -16,6 +18,51 @@ ThemedWindow {
         anchors.fill: parent
         visible: !App.loggedIn
         message: "Your account settings live in your Ornivale library. Sign in from the main window, then come back here."
+    }
+
+    function refresh() {
+        if (App.loggedIn) {
+            AccountSettings.load()
+            StorageSettings.refreshPending()
+        }
+    }
+    onVisibleChanged: if (visible) refresh()
+    Component.onCompleted: refresh()
+    Connections { target: App; function onLoggedInChanged() { refresh() } }
+
+    component RowLabel: Text { color: Theme.textMuted; font.pixelSize: 13 }
+    component RowValue: Text { color: Theme.text; font.pixelSize: 13 }
+    component SmallButton: AeroButton {
+        primary: false
+        implicitHeight: 32
+        font.pixelSize: 13
+        leftPadding: 14
+        rightPadding: 14
+    }
+
+    Dialog {
+        id: confirmRemoveSamples
+        anchors.centerIn: parent
+        modal: true
+        title: AccountSettings.removeSamplesTitle
+        standardButtons: Dialog.Cancel
+        Text {
+            width: 360
+            wrapMode: Text.WordWrap
+            color: Theme.text
+            font.pixelSize: 13
+            text: "The demo flights from Ornivale — and any clips on them — are removed. Stories keep their finished videos. You can restore the samples from here anytime."
+        }
+        footer: DialogButtonBox {
+            Button { text: "Cancel"; DialogButtonBox.buttonRole: DialogButtonBox.RejectRole }
+            Button { text: AccountSettings.removeSamplesTitle; DialogButtonBox.buttonRole: DialogButtonBox.AcceptRole }
+        }
+        onAccepted: AccountSettings.removeSamples()
+    }
+    FolderDialog {
+        id: outputDialog
+        title: "Save cut clips to"
+        onAccepted: StorageSettings.setOutputFolder(selectedFolder)
     }
 
     ColumnLayout {
@@ -67,13 +114,43 @@ ThemedWindow {
                 Text { text: "Server"; color: Theme.textMuted; font.pixelSize: 13 }
                 Text { text: App.baseString; color: Theme.text; font.pixelSize: 13; elide: Text.ElideMiddle; Layout.fillWidth: true }
                 Text { text: "Signed in as"; color: Theme.textMuted; font.pixelSize: 13 }
-                Text { text: App.email !== "" ? App.email : "—"; color: Theme.text; font.pixelSize: 13 }
+                Text { text: AccountSettings.email; color: Theme.text; font.pixelSize: 13 }
                 Text { visible: App.plan !== ""; text: "Plan"; color: Theme.textMuted; font.pixelSize: 13 }
                 Row {
                     visible: App.plan !== ""
                     spacing: 8
                     Text { text: App.pro ? "Pro" : "Free"; color: Theme.text; font.pixelSize: 13 }
                     ProBadge { visible: App.pro }
+                }
+                RowLabel { visible: AccountSettings.hasLibrary; text: "Library" }
+                RowValue { visible: AccountSettings.hasLibrary; text: AccountSettings.libraryText }
+                RowLabel { visible: AccountSettings.showStorage; text: "Storage" }
+                RowLayout {
+                    visible: AccountSettings.showStorage
+                    spacing: 10
+                    ProgressBar {
+                        Layout.preferredWidth: 200
+                        value: AccountSettings.storageFraction
+                        background: Rectangle { implicitHeight: 6; radius: 3; color: Theme.border }
+                        contentItem: Item {
+                            implicitHeight: 6
+                            Rectangle { width: parent.width * AccountSettings.storageFraction; height: parent.height; radius: 3; color: Theme.accent }
+                        }
+                    }
+                    RowValue { text: AccountSettings.storageText }
+                }
+                RowLabel { visible: AccountSettings.samplesCount >= 1 || AccountSettings.samplesRestorable >= 1; text: "Sample flights" }
+                RowLayout {
+                    visible: AccountSettings.samplesCount >= 1
+                    spacing: 10
+                    RowValue { text: AccountSettings.samplesText }
+                    SmallButton { text: "Remove…"; enabled: !AccountSettings.samplesBusy; onClicked: confirmRemoveSamples.open() }
+                }
+                RowLayout {
+                    visible: AccountSettings.samplesCount < 1 && AccountSettings.samplesRestorable >= 1
+                    spacing: 10
+                    RowValue { text: "Removed" }
+                    SmallButton { text: "Restore"; enabled: !AccountSettings.samplesBusy; onClicked: AccountSettings.restoreSamples() }
                 }
                 Text { text: "Manage tokens"; color: Theme.textMuted; font.pixelSize: 13 }
                 AeroButton {
@@ -84,6 +161,17 @@ ThemedWindow {
                     rightPadding: 16
                     text: "Open Account on the Web…"
                     onClicked: Qt.openUrlExternally(App.baseString + "/settings.html")
+                }
+                RowLayout {
+                    Layout.columnSpan: 2
+                    Layout.topMargin: 8
+                    spacing: 12
+                    SmallButton {
+                        text: AccountSettings.checking ? "Checking…" : "Test Connection"
+                        enabled: !AccountSettings.checking
+                        onClicked: AccountSettings.testConnection()
+                    }
+                    RowValue { text: AccountSettings.checkResult; Layout.fillWidth: true; elide: Text.ElideRight }
                 }
                 Item { Layout.columnSpan: 2; Layout.fillHeight: true }
                 AeroButton {
@@ -119,11 +207,41 @@ ThemedWindow {
                     checked: Prefs.boolValue("ingest.keepProcessed")
                     onToggled: Prefs.setValue("ingest.keepProcessed", checked)
                 }
+                RowLayout {
+                    Layout.topMargin: 16
+                    spacing: 12
+                    RowLabel { text: "Pending uploads" }
+                    RowValue { text: StorageSettings.pendingText }
+                    SmallButton { text: "Clear"; onClicked: StorageSettings.clearPending() }
+                }
                 Item { Layout.fillHeight: true }
             }
 
             // Export
-            Item {}
+            ColumnLayout {
+                Layout.alignment: Qt.AlignTop
+                spacing: 8
+                RowLayout {
+                    spacing: 12
+                    RowLabel { text: "Save cut clips to" }
+                    SmallButton { text: StorageSettings.outputName; onClicked: outputDialog.open() }
+                }
+                Text { Layout.topMargin: 12; text: "Default cut mode"; color: Theme.textMuted; font.pixelSize: 12; font.weight: Font.DemiBold }
+                SegmentedPicker {
+                    Layout.preferredWidth: 440
+                    model: ["Frame-accurate (re-encode)", "Fast (keyframe, ±1–2 s)"]
+                    currentIndex: Prefs.boolValue("cut.fast") ? 1 : 0
+                    onActivated: index => Prefs.setValue("cut.fast", index === 1)
+                }
+                Text {
+                    Layout.fillWidth: true
+                    wrapMode: Text.WordWrap
+                    color: Theme.textMuted
+                    font.pixelSize: 12
+                    text: "Frame-accurate uses this computer's hardware encoder at the original's bitrate. Fast copies the stream untouched — instant, but cuts land on keyframes."
+                }
+                Item { Layout.fillHeight: true }
+            }
 
             // Appearance
             ColumnLayout {

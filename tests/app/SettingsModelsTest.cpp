@@ -1,0 +1,116 @@
+// The settings rows against a real library server.
+#include "AccountSettingsModel.h"
+#include "StorageSettingsModel.h"
+
+#include "AppEvents.h"
+#include "AppModel.h"
+#include "AppTestSupport.h"
+#include "CoroTest.h"
+#include "MemoryCredentialStore.h"
+#include "TestServer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Session {
+    IsolatedPrefs prefs;
+    MemoryCredentialStore credentials;
+    std::unique_ptr<AppModel> app;
+    AppEvents events;
+    explicit Session(const std::string &base)
+    {
+        app = std::make_unique<AppModel>(*prefs.prefs, credentials,
+                                         envWith({{"SPIKE_BASE", QString::fromStdString(base)}}));
+        run(app->start());
+    }
+};
+
+void load(AccountSettingsModel &model)
+{
+    model.load();
+    ASSERT_TRUE(waitUntil([&] { return model.email() != QStringLiteral("—") && model.hasLibrary(); }));
+}
+
+} // namespace
+
+TEST(SettingsModels, AccountRowsSamplesAndTheConnectionTest)
+{
+    TestServer server([](ServerConfig &c) {
+        c.samples = true;
+        c.sampleSeconds = 3;
+    });
+    Session session(server.base());
+    AccountSettingsModel model(*session.app, &session.events);
+    load(model);
+    ASSERT_TRUE(waitUntil([&] { return model.samplesCount() > 0; }, 20000));
+    EXPECT_FALSE(model.showStorage()) << "no quota: no storage row";
+    EXPECT_TRUE(model.libraryText().endsWith(" flights"));
+    EXPECT_EQ(model.removeSamplesTitle(), QStringLiteral("Remove %1 Sample Flights").arg(model.samplesCount()));
+
+    QSignalSpy samplesChanged(&session.events, &AppEvents::samplesChanged);
+    model.removeSamples();
+    ASSERT_TRUE(waitUntil([&] { return !model.samplesBusy() && samplesChanged.count() == 1; }, 20000));
+    EXPECT_EQ(model.samplesCount(), 0);
+    EXPECT_GE(model.samplesRestorable(), 1);
+    EXPECT_EQ(model.libraryText(), QStringLiteral("0 flights"));
+
+    model.restoreSamples();
+    ASSERT_TRUE(waitUntil([&] { return !model.samplesBusy() && samplesChanged.count() == 2; }, 30000));
+    EXPECT_GE(model.samplesCount(), 1);
+
+    model.testConnection();
+    ASSERT_TRUE(waitUntil([&] { return !model.checking() && !model.checkResult().isEmpty(); }));
+    EXPECT_TRUE(model.checkResult().startsWith(QStringLiteral("OK — "))) << model.checkResult().toStdString();
+}
+
+TEST(SettingsModels, OneFlightReadsSingularInTheRowButNotInTheTestAndAFailedTestKeepsTheRow)
+{
+    QTemporaryDir work;
+    TestServer roomy;
+    ASSERT_EQ(uploadFlight(*roomy.client(), "ONE", makeFlightFolder(work.path().toStdString() + "/one"))->status, 200);
+
+    Session session(roomy.base());
+    AccountSettingsModel model(*session.app, &session.events);
+    load(model);
+    EXPECT_EQ(model.libraryText(), QStringLiteral("1 flight"));
+    model.testConnection();
+    ASSERT_TRUE(waitUntil([&] { return !model.checking() && !model.checkResult().isEmpty(); }));
+    EXPECT_EQ(model.checkResult(), QStringLiteral("OK — 1 flights"));
+
+    roomy.server().stop();
+    model.testConnection();
+    ASSERT_TRUE(waitUntil([&] { return !model.checking() && model.checkResult() != QStringLiteral("OK — 1 flights"); }));
+    EXPECT_FALSE(model.checkResult().isEmpty());
+    EXPECT_EQ(model.libraryText(), QStringLiteral("1 flight")) << "a failed test leaves the library row";
+}
+
+TEST(SettingsModels, PendingUploadsAddUpAndClear)
+{
+    IsolatedPrefs prefs;
+    QTemporaryDir dir;
+    const QString pending = dir.filePath("Pending");
+    QDir().mkpath(pending + "/A/deeper");
+    for (const auto &[name, size] : {std::pair{"A/proxy.mp4", 1500}, std::pair{"A/deeper/x", 500}}) {
+        QFile f(pending + "/" + name);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(QByteArray(size, 'x'));
+    }
+    StorageSettingsModel model(*prefs.prefs, pending);
+    model.refreshPending();
+    EXPECT_EQ(model.pendingBytes(), 2000);
+    EXPECT_EQ(model.pendingText(), QStringLiteral("2.0 kB"));
+    model.clearPending();
+    EXPECT_EQ(model.pendingBytes(), 0);
+    model.clearPending();  // an empty or missing folder stays at zero
+    EXPECT_EQ(model.pendingBytes(), 0);
+
+    EXPECT_EQ(model.outputName(), QStringLiteral("~/Videos/Aeroloom"));
+    model.setOutputFolder(QUrl::fromLocalFile(dir.filePath("Cuts")));
+    EXPECT_EQ(model.outputName(), QStringLiteral("Cuts"));
+    EXPECT_EQ(prefs.reopen()->stringValue("cut.outputRoot.path"), dir.filePath("Cuts"));
+}
