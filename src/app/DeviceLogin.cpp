@@ -60,15 +60,7 @@ QCoro::Task<Result<QByteArray>> post(QNetworkAccessManager *network, QString bas
     const QByteArray bytes = QByteArray::fromStdString(body.dump());
     QNetworkReply *reply = network->post(req, bytes);
     std::unique_ptr<QNetworkReply, void (*)(QNetworkReply *)> owner(reply, [](QNetworkReply *r) { r->deleteLater(); });
-    QMetaObject::Connection abort;
-    if (cancel) {
-        if (cancel->isCancelled())
-            reply->abort();
-        abort = QObject::connect(cancel, &CancelToken::cancelled, reply, &QNetworkReply::abort);
-    }
-    if (!reply->isFinished())
-        co_await qCoro(reply).waitForFinished();
-    QObject::disconnect(abort);
+    co_await APIClient::awaitReply(reply, cancel);
 
     const QVariant statusAttr = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     if (!statusAttr.isValid()) {

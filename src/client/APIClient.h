@@ -179,6 +179,9 @@ public:
     /// Awaits a reply started on `network()` (uploads, range reads), aborting it when `cancel`
     /// fires, judges it and deletes it. The caller keeps the client alive meanwhile.
     static QCoro::Task<Result<QByteArray>> finish(QNetworkReply *reply, CancelToken *cancel);
+    /// Awaits a started reply, aborting it when `cancel` fires (also when it already has);
+    /// the caller judges and deletes it.
+    static QCoro::Task<> awaitReply(QNetworkReply *reply, CancelToken *cancel);
 
 private:
     /// Replies are deleted from the event loop: the coroutine that owns one resumes inside the
@@ -194,8 +197,6 @@ private:
     static QCoro::Task<Result<QByteArray>> perform(std::shared_ptr<QNetworkAccessManager> network,
                                                    QNetworkRequest request, QByteArray verb, QByteArray body,
                                                    CancelToken *cancel);
-    /// Awaits a started reply, aborting it when `cancel` fires.
-    static QCoro::Task<> awaitReply(QNetworkReply *reply, CancelToken *cancel);
     /// The read-modify-write of a flight's clips.json shared by keep, toss and retrim.
     QCoro::Task<bool> editClips(PoolClip clip, std::function<void(Wire::Json &)> change) const;
 

@@ -24,20 +24,6 @@ ReplyPtr own(QNetworkReply *reply)
     return ReplyPtr(reply, [](QNetworkReply *r) { r->deleteLater(); });
 }
 
-/// Waits for a reply, aborting it when the token is cancelled (also when it already was).
-QCoro::Task<void> awaitReply(QNetworkReply *reply, CancelToken *cancel)
-{
-    QMetaObject::Connection abort;
-    if (cancel) {
-        abort = QObject::connect(cancel, &CancelToken::cancelled, reply, &QNetworkReply::abort);
-        if (cancel->isCancelled())
-            reply->abort();
-    }
-    if (!reply->isFinished())
-        co_await qCoro(reply).waitForFinished();
-    QObject::disconnect(abort);
-}
-
 /// The HTTP status of a reply, or nothing when the transfer itself failed: no reply at all, or
 /// a good status whose body was cut off. A bad status stands even if the connection closed.
 std::optional<int> httpStatus(const QNetworkReply &reply)
@@ -81,7 +67,7 @@ std::chrono::seconds FlightUploader::transferTimeout(qint64 bytes)
 QCoro::Task<Result<FlightUploader::ServerLibrary>> FlightUploader::library() const
 {
     auto reply = own(m_client->network()->get(m_client->request(m_client->url(QStringLiteral("api/flights")))));
-    co_await awaitReply(reply.get(), nullptr);
+    co_await APIClient::awaitReply(reply.get(), nullptr);
     const auto status = httpStatus(*reply);
     if (!status)
         co_return APIError::transport(*reply);
@@ -150,7 +136,7 @@ QCoro::Task<Result<void>> FlightUploader::sendFile(QString id, QString name, QSt
         if (total > 0 && onFile)  // the final (0, 0) report says nothing
             onFile(name, double(sent) / double(total));
     });
-    co_await awaitReply(reply.get(), cancel);
+    co_await APIClient::awaitReply(reply.get(), cancel);
     const auto status = httpStatus(*reply);
     if (!status)
         co_return APIError::transport(*reply);
@@ -166,7 +152,7 @@ QCoro::Task<Result<QString>> FlightUploader::commit(QString id, CancelToken *can
     QNetworkRequest request = m_client->request(m_client->url(QStringLiteral("api/flights/%1/commit").arg(id)),
                                                 std::chrono::seconds(300));
     auto reply = own(m_client->network()->post(request, QByteArray()));
-    co_await awaitReply(reply.get(), cancel);
+    co_await APIClient::awaitReply(reply.get(), cancel);
     const auto status = httpStatus(*reply);
     if (!status)
         co_return APIError::transport(*reply);
@@ -188,5 +174,5 @@ QCoro::Task<void> FlightUploader::discardStaging(QString id) const
 {
     auto reply = own(m_client->network()->deleteResource(
         m_client->request(m_client->url(QStringLiteral("api/flights/%1/staging").arg(id)), APIClient::requestTimeout)));
-    co_await awaitReply(reply.get(), nullptr);
+    co_await APIClient::awaitReply(reply.get(), nullptr);
 }

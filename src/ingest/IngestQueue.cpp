@@ -24,15 +24,18 @@ IngestQueue::IngestQueue(Services services, QObject *parent)
 
 IngestQueue::~IngestQueue()
 {
-    // Running children and transfers end with the queue.
+    cancelAll();  // running children and transfers end with the queue
+}
+
+void IngestQueue::cancelAll()
+{
     if (m_worker)
         m_worker->cancel();
-    for (const auto &token : std::as_const(m_processTasks))
-        if (token)
-            token->cancel();
-    for (const auto &token : std::as_const(m_uploadTasks))
-        if (token)
-            token->cancel();
+    m_worker.clear();
+    for (const auto &tasks : {&m_processTasks, &m_uploadTasks})
+        for (const auto &token : std::as_const(*tasks))
+            if (token)
+                token->cancel();
 }
 
 void IngestQueue::setClient(std::shared_ptr<const APIClient> client)
@@ -180,16 +183,7 @@ void IngestQueue::add(const QList<FoundFlight> &found)
 
 void IngestQueue::stop()
 {
-    if (m_worker) {
-        m_worker->cancel();
-        m_worker.clear();
-    }
-    for (const auto &token : std::as_const(m_processTasks))
-        if (token)
-            token->cancel();
-    for (const auto &token : std::as_const(m_uploadTasks))
-        if (token)
-            token->cancel();
+    cancelAll();
     setRunning(false);
     for (const Item &item : std::as_const(m_items)) {
         if (item.phase.isTerminal())

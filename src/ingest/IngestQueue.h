@@ -123,6 +123,7 @@ private:
     QCoro::Task<void> uploadItem(QString id, CancelToken *token);
     QCoro::Task<void> waitForWork();
 
+    void cancelAll();
     int indexOf(const QString &id) const;
     void setPhase(const QString &id, IngestPhase phase);
     void setThumb(const QString &id, const QString &thumb);
