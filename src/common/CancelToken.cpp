@@ -1,9 +1,6 @@
 #include "CancelToken.h"
 
-#include <QTimer>
-
-#include <QCoroSignal>
-#include <QCoroTimer>
+#include "Notifier.h"
 
 void CancelToken::cancel()
 {
@@ -13,20 +10,34 @@ void CancelToken::cancel()
     Q_EMIT cancelled();
 }
 
+namespace {
+
+struct SleepAwaiter {
+    std::chrono::milliseconds duration;
+    CancelToken *token;
+    std::shared_ptr<detail::Resumer> state = std::make_shared<detail::Resumer>();
+
+    bool await_ready() const noexcept { return token && token->isCancelled(); }
+    void await_suspend(std::coroutine_handle<> handle)
+    {
+        state->handle = handle;
+        if (token) {
+            // The timer is the connection's context: the link dies with this sleep.
+            QObject::connect(token, &CancelToken::cancelled, &state->timer,
+                             [resumer = state.get()] { resumer->fire(false); });
+        }
+        state->startTimer(duration);
+    }
+    /// True when the whole time passed.
+    bool await_resume() const noexcept { return state->fired ? state->byTimer : false; }
+};
+
+} // namespace
+
 QCoro::Task<bool> sleepFor(std::chrono::milliseconds duration, CancelToken *token)
 {
-    if (!token) {
-        QTimer timer;
-        timer.setSingleShot(true);
-        timer.setTimerType(Qt::PreciseTimer);
-        timer.start(duration);
-        co_await timer;
-        co_return true;
-    }
-    if (token->isCancelled())
-        co_return false;
-    // Waiting for the cancel signal with a timeout: no signal within the time means the
-    // sleep ran its full length.
-    const auto signalled = co_await qCoro(token, &CancelToken::cancelled, duration);
-    co_return !signalled.has_value();
+    // Named, not a temporary: GCC 12 destroys temporaries of a co_await operand twice.
+    SleepAwaiter sleep{duration, token};
+    const bool full = co_await sleep;
+    co_return full;
 }

@@ -26,3 +26,21 @@ T run(QCoro::Task<T> &&task)
         return std::move(*out);
     }
 }
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QThread>
+
+/// Spins the event loop until `done()` holds or `timeoutMs` pass; returns whether it held.
+template <typename Predicate>
+bool waitUntil(Predicate done, int timeoutMs = 5000)
+{
+    QDeadlineTimer deadline(timeoutMs);
+    while (!done()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(1);
+    }
+    return true;
+}

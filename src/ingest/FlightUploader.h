@@ -1,0 +1,57 @@
+#pragma once
+
+#include "CancelToken.h"
+#include "Result.h"
+
+#include <QSet>
+#include <QString>
+
+#include <QCoroTask>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+class APIClient;
+
+/// @brief Sends a processed flight folder to the library: each file into the flight's staging
+/// area, then one commit that makes the flight exist.
+///
+/// Files stream from disk. Transport failures of a file are retried (after 2 s, then 4 s);
+/// rejections by the server are not. A failed upload leaves only staging behind, which the
+/// caller drops with `discardStaging`.
+class FlightUploader
+{
+public:
+    struct ServerLibrary {
+        QSet<QString> ids;
+        qint64 quota = 0;  ///< bytes; 0 when no limit is known
+        qint64 used = 0;
+    };
+    /// (file name, fraction of that file sent)
+    using Progress = std::function<void(const QString &, double)>;
+
+    static constexpr qint64 proxyLimit = 2'000'000'000;
+    static constexpr int maxAttempts = 3;
+    /// In the order they are sent: the small description first, the heavy proxy last.
+    static const QStringList fileNames;
+
+    explicit FlightUploader(std::shared_ptr<const APIClient> client,
+                            std::chrono::milliseconds retryUnit = std::chrono::seconds(2));
+
+    QCoro::Task<Result<ServerLibrary>> library() const;
+    /// Returns the commit's answer (`analysis`, or "ok").
+    QCoro::Task<Result<QString>> upload(QString id, QString dir, Progress onFile, CancelToken *cancel = nullptr) const;
+    QCoro::Task<void> discardStaging(QString id) const;
+
+    /// Allows about 100 kB/s with a floor of 300 s.
+    [[nodiscard]] static std::chrono::seconds transferTimeout(qint64 bytes);
+
+private:
+    QCoro::Task<Result<void>> sendFile(QString id, QString name, QString path, qint64 size, Progress onFile,
+                                       CancelToken *cancel) const;
+    QCoro::Task<Result<QString>> commit(QString id, CancelToken *cancel) const;
+
+    std::shared_ptr<const APIClient> m_client;
+    std::chrono::milliseconds m_retryUnit;
+};
