@@ -1,15 +1,15 @@
 #include "GalleryQuery.h"
 
-#include "RecordFormats.h"
+#include "GalleryDates.h"
 
 FlightFacts FlightFacts::of(const Flight &flight)
 {
     FlightFacts facts;
-    if (const auto when = flight.parsedDate()) {
-        facts.when = when->toMSecsSinceEpoch();
-        facts.dateLabel = RecordFormats::mediumDateShortTime(*when);
-        facts.dayKey = RecordFormats::dayKey(*when);
-        facts.monthKey = RecordFormats::monthKey(*when);
+    if (const auto when = flight.date ? GalleryDates::parse(*flight.date) : std::nullopt) {
+        facts.when = when->seconds();
+        facts.dateLabel = GalleryDates::mediumLabel(*when);
+        facts.dayKey = GalleryDates::dayKey(when->date);
+        facts.monthKey = GalleryDates::monthKey(when->date);
     } else {
         facts.dateLabel = QStringLiteral("Unknown date");
     }
@@ -28,6 +28,7 @@ void GalleryLibrary::setFlights(QList<Flight> list)
     facts.reserve(flights.size());
     for (const Flight &flight : std::as_const(flights))
         facts.append(FlightFacts::of(flight));
+    models = GalleryQuery::models(flights);
 }
 
 bool GalleryLibrary::removeFlight(const QString &id)
@@ -36,6 +37,7 @@ bool GalleryLibrary::removeFlight(const QString &id)
     if (index >= 0) {
         flights.removeAt(index);
         facts.removeAt(index);
+        models = GalleryQuery::models(flights);
     }
     clipCounts.remove(id);
     hiddenIDs.remove(id);

@@ -1,10 +1,7 @@
 #include "GalleryQuery.h"
 
-#include "RecordFormats.h"
+#include "GalleryDates.h"
 #include "Units.h"
-
-#include <QDateTime>
-#include <QLocale>
 
 #include <algorithm>
 #include <limits>
@@ -19,40 +16,37 @@ double pathOf(const Flight &f) { return f.pathLength.value_or(0); }
 double altitudeOf(const Flight &f) { return f.relAlt ? f.relAlt->max.value_or(0) : 0; }
 double durationOf(const Flight &f) { return f.duration.value_or(0); }
 
-QString monthYear(qint64 when)
-{
-    static const QLocale locale;
-    return locale.toString(QDateTime::fromMSecsSinceEpoch(when), QStringLiteral("MMM yyyy"));
-}
-
-// The section a flight falls in: its id and, for a new section, how to word it.
+// The section a flight falls in: a number to find it by, and its id.
 struct SectionOf {
-    QString id;
+    qint64 number = 0;    ///< julian day or month count for dated sections; unused for places
+    const QString *id = nullptr;
     std::optional<qint64> when;  ///< for the label of a dated section
-    bool byMonth = false;
 };
+
+const QString unknownPlace = QStringLiteral("Unknown location");
+const QString unknownDay = QStringLiteral("0000-00-00");
+const QString unknownMonth = QStringLiteral("0000-00");
 
 SectionOf sectionOf(const Flight &flight, const FlightFacts &facts, GroupMode group)
 {
-    if (group == GroupMode::place) {
-        if (!flight.place || flight.place->isEmpty())
-            return {QStringLiteral("Unknown location"), std::nullopt};
-        return {*flight.place, std::nullopt};
-    }
+    if (group == GroupMode::place)
+        return {0, (!flight.place || flight.place->isEmpty()) ? &unknownPlace : &*flight.place, std::nullopt};
     const bool byMonth = group == GroupMode::month;
     if (!facts.when)
-        return {byMonth ? QStringLiteral("0000-00") : QStringLiteral("0000-00-00"), std::nullopt, byMonth};
-    return {byMonth ? facts.monthKey : facts.dayKey, facts.when, byMonth};
+        return {-1, byMonth ? &unknownMonth : &unknownDay, std::nullopt};
+    const QDate day = GalleryDates::dateOf(*facts.when);
+    return {byMonth ? qint64(day.year()) * 12 + day.month() : day.toJulianDay(),
+            byMonth ? &facts.monthKey : &facts.dayKey, facts.when};
 }
 
 QString sectionLabel(const SectionOf &section, GroupMode group)
 {
     if (group == GroupMode::place)
-        return section.id;
+        return *section.id;
     if (!section.when)
         return QStringLiteral("Unknown date");
-    const QDateTime when = QDateTime::fromMSecsSinceEpoch(*section.when);
-    return section.byMonth ? RecordFormats::monthLabel(when) : RecordFormats::dayLabel(when);
+    const QDate day = GalleryDates::dateOf(*section.when);
+    return group == GroupMode::month ? GalleryDates::monthLabel(day) : GalleryDates::dayLabel(day);
 }
 
 template <typename Key>
@@ -80,18 +74,20 @@ QString trimmed(const QString &text)
 QList<int> filtered(const GalleryLibrary &library, const GalleryControls &c)
 {
     const QString query = trimmed(c.search.toLower());
+    const bool anyHidden = !library.hiddenIDs.isEmpty();
+    const bool byModel = c.modelFilter != QLatin1String("all");
     QList<int> rows;
     rows.reserve(library.flights.size());
     for (int i = 0; i < library.flights.size(); ++i) {
         const Flight &flight = library.flights[i];
         const FlightFacts &facts = library.facts[i];
-        if (library.hiddenIDs.contains(flight.id) != c.showHidden)
+        if (anyHidden ? library.hiddenIDs.contains(flight.id) != c.showHidden : c.showHidden)
             continue;
         if (c.clipsOnly && library.clipCounts.value(flight.id, 0) <= 0)
             continue;
         if (c.tod != TimeOfDayFilter::all && library.todCache.value(flight.id, TimeOfDayFilter::day) != c.tod)
             continue;
-        if (c.modelFilter != QLatin1String("all") && facts.model != c.modelFilter)
+        if (byModel && facts.model != c.modelFilter)
             continue;
         if (!query.isEmpty() && !facts.haystack.contains(query))
             continue;
@@ -126,15 +122,16 @@ QList<FlightGroup> groups(const GalleryLibrary &library, const QList<int> &rows,
         return {FlightGroup{QStringLiteral("all"), QString(), rows}};
 
     QList<FlightGroup> sections;
-    QHash<QString, qsizetype> byId;
+    QHash<QString, qsizetype> byName;   // places
+    QHash<qint64, qsizetype> byNumber;  // days and months
     for (const int row : rows) {
         const SectionOf section = sectionOf(library.flights[row], library.facts[row], group);
-        auto found = byId.constFind(section.id);
-        if (found == byId.constEnd()) {
-            found = byId.insert(section.id, sections.size());
-            sections.append(FlightGroup{section.id, sectionLabel(section, group), {}});
+        qsizetype *found = group == GroupMode::place ? &byName[*section.id] : &byNumber[section.number];
+        if (*found == 0) {
+            sections.append(FlightGroup{*section.id, sectionLabel(section, group), {}});
+            *found = sections.size();  // one past, so that 0 means "new"
         }
-        sections[*found].items.append(row);
+        sections[*found - 1].items.append(row);
     }
 
     if (group == GroupMode::place) {
@@ -241,8 +238,8 @@ GalleryStats stats(const GalleryLibrary &library, const QList<int> &rows, bool a
     out.distance = QString::asprintf("%.0f", metres * Units::distanceFactor(metric));
     out.distanceCaption = Units::distanceUnit(metric);
     if (first) {
-        const QString from = monthYear(*first);
-        const QString to = monthYear(*last);
+        const QString from = GalleryDates::monthYear(GalleryDates::dateOf(*first));
+        const QString to = GalleryDates::monthYear(GalleryDates::dateOf(*last));
         out.dateSpan = from == to ? from : from + QStringLiteral(" – ") + to;
     }
     return out;

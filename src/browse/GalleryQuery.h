@@ -29,7 +29,7 @@ struct GalleryControls {
 /// @brief What the query needs of one flight that only changes when the list does: worked out
 /// once per load so that a redraw parses no dates and formats no labels.
 struct FlightFacts {
-    std::optional<qint64> when;  ///< the parsed date, ms since 1970 of the local clock time
+    std::optional<qint64> when;  ///< the parsed date on a wall-clock scale (GalleryDates::WallClock::seconds)
     QString dateLabel;           ///< medium date and short time, or "Unknown date"
     QString dayKey;              ///< "yyyy-MM-dd", "" when undated
     QString monthKey;            ///< "yyyy-MM", "" when undated
@@ -47,6 +47,7 @@ struct GalleryLibrary {
     QHash<QString, int> clipCounts;
     QSet<QString> hiddenIDs;
     QHash<QString, TimeOfDayFilter> todCache;
+    QStringList models;  ///< the model filter's choices, kept with the list
 
     /// Replaces the list and works out the facts of each flight.
     void setFlights(QList<Flight> list);

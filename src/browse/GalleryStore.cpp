@@ -147,7 +147,6 @@ void GalleryStore::recompute()
 {
     m_filtered = GalleryQuery::filtered(m_library, m_controls);
     m_groups = GalleryQuery::groups(m_library, m_filtered, m_controls.group, m_controls.sort);
-    m_models = GalleryQuery::models(m_library.flights);
     m_rows->setGroups(m_groups, cardContext());
 
     // The map is drawn again only when the list of ids changes, order included, so a filter

@@ -114,7 +114,7 @@ public:
     [[nodiscard]] int filteredCount() const { return int(m_filtered.size()); }
     [[nodiscard]] bool filtersActive() const;
     [[nodiscard]] int activeFilterCount() const;
-    [[nodiscard]] QStringList models() const { return m_models; }
+    [[nodiscard]] QStringList models() const { return m_library.models; }
     [[nodiscard]] QVariantList chips() const;
     [[nodiscard]] QVariantMap stats() const;
     [[nodiscard]] QString footerText() const;
@@ -214,7 +214,6 @@ private:
 
     QList<int> m_filtered;
     QList<FlightGroup> m_groups;
-    QStringList m_models;
     QStringList m_lastPinIds;
     QList<MapPin> m_pins;
     GalleryRowsModel *m_rows;

@@ -284,3 +284,21 @@ TEST(GalleryPrefs, ControlsSurviveARestartButHiddenOnlyDoesNot)
     EXPECT_EQ(read.layout, GalleryLayout::grid);
     EXPECT_EQ(read.group, GroupMode::month);
 }
+
+#include "GalleryDates.h"
+
+// The gallery reads dates its own, faster way; it must agree with the records' own reading.
+TEST(GalleryDates, AgreeWithTheRecordsDateTexts)
+{
+    const QStringList texts{"2024-05-01T10:00:00", "2023-12-31T23:59:59", "2024-02-29T00:00:00",
+                            "2023-02-29T10:00:00", "2024-05-01T24:00:00", "2024-05-01 10:00:00",
+                            "2024-5-01T10:00:00",  "2024-05-01T10:00:00Z", "", "２０２４-05-01T10:00:00"};
+    for (const QString &text : texts) {
+        Flight f;
+        f.id = "x";
+        f.date = text;
+        const auto mine = GalleryDates::parse(text);
+        EXPECT_EQ(mine.has_value(), f.parsedDate().has_value()) << text.toStdString();
+        EXPECT_EQ(FlightFacts::of(f).dateLabel, f.dateText()) << text.toStdString();
+    }
+}
