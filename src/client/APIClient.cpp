@@ -89,14 +89,19 @@ QCoro::Task<> APIClient::awaitReply(QNetworkReply *reply, CancelToken *cancel)
     QObject::disconnect(abort);
 }
 
+QCoro::Task<Result<QByteArray>> APIClient::finish(QNetworkReply *reply, CancelToken *cancel)
+{
+    const std::unique_ptr<QNetworkReply, DeleteLater> owner(reply);
+    co_await awaitReply(reply, cancel);
+    co_return judge(*reply);
+}
+
 QCoro::Task<Result<QByteArray>> APIClient::perform(std::shared_ptr<QNetworkAccessManager> network,
                                                    QNetworkRequest request, QByteArray verb, QByteArray body,
                                                    CancelToken *cancel)
 {
     QNetworkReply *started = verb == "GET" ? network->get(request) : network->sendCustomRequest(request, verb, body);
-    const std::unique_ptr<QNetworkReply, DeleteLater> reply(started);
-    co_await awaitReply(reply.get(), cancel);
-    co_return judge(*reply);
+    co_return co_await finish(started, cancel);
 }
 
 QCoro::Task<Result<QByteArray>> APIClient::getJSON(QString relative, CancelToken *cancel) const

@@ -170,6 +170,9 @@ public:
     [[nodiscard]] static Result<QByteArray> judge(QNetworkReply &reply);
     /// The status part of `judge` alone.
     [[nodiscard]] static Result<void> judgeStatus(QNetworkReply &reply);
+    /// Awaits a reply started on `network()` (uploads, range reads), aborting it when `cancel`
+    /// fires, judges it and deletes it. The caller keeps the client alive meanwhile.
+    static QCoro::Task<Result<QByteArray>> finish(QNetworkReply *reply, CancelToken *cancel);
 
 private:
     /// A POST/PATCH request with a JSON body: 60 s and `Content-Type: application/json`.

@@ -82,7 +82,8 @@ QCoro::Task<std::optional<QNetworkCookie>> APIClient::webSessionCookie() const
     const QString base = m_base;
     const auto network = m_network;
     const std::unique_ptr<QNetworkReply, DeleteLater> reply(
-        network->sendCustomRequest(request(url(QStringLiteral("api/auth/session")), requestTimeout), "POST"));
+        network->sendCustomRequest(request(url(QStringLiteral("api/auth/session")), requestTimeout), "POST",
+                                   QByteArray()));
     co_await awaitReply(reply.get(), nullptr);
     // Exactly 200: any other reply, even a success, means no cookie.
     if (reply->error() != QNetworkReply::NoError

@@ -1,6 +1,7 @@
 #include "Units.h"
 
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 namespace Units {
@@ -41,7 +42,10 @@ QString tenthsTime(double seconds)
 {
     const double t = std::isnan(seconds) ? 0.0 : std::max(0.0, seconds);
     const int minutes = truncated(t) / 60;
-    return QString::asprintf("%d:%04.1f", minutes, t - minutes * 60.0);
+    // C's printf, not Qt's own formatter: a tie such as 15.25 rounds to even (15.2) there.
+    char buffer[48];
+    std::snprintf(buffer, sizeof buffer, "%d:%04.1f", minutes, t - minutes * 60.0);
+    return QString::fromLatin1(buffer);
 }
 
 } // namespace Units

@@ -7,7 +7,7 @@ namespace Wire {
 
 namespace {
 
-// Bracket depth outside of strings. The parser itself would cope with any depth, but every
+// Bracket depth outside of strings, and no raw NUL anywhere. The parser itself would cope with any depth, but every
 // later walk of the tree (writing it out, copying it) recurses once per level.
 bool nestsWithin(const QByteArray &body, int limit)
 {
@@ -25,6 +25,8 @@ bool nestsWithin(const QByteArray &body, int limit)
             continue;
         }
         switch (c) {
+        case '\0':  // the parser would take it for the end of the text and ignore what follows
+            return false;
         case '"':
             inString = true;
             break;

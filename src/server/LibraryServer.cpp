@@ -1,0 +1,220 @@
+#include "LibraryServer.h"
+
+#include "Authenticator.h"
+#include "Database.h"
+#include "DeviceSignIn.h"
+#include "FlightIndex.h"
+#include "Library.h"
+#include "MusicMaker.h"
+#include "Reply.h"
+#include "Routes.h"
+#include "SampleMaker.h"
+#include "ServerContext.h"
+#include "StagingArea.h"
+#include "TokenStore.h"
+
+#include <httplib.h>
+
+#include <QString>
+
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <thread>
+
+struct LibraryServer::Impl {
+    ServerConfig config;
+    std::optional<Library> library;
+    std::unique_ptr<Database> db;
+    std::unique_ptr<FlightIndex> flights;
+    std::unique_ptr<StagingArea> staging;
+    std::unique_ptr<TokenStore> tokens;
+    std::unique_ptr<Authenticator> auth;
+    std::unique_ptr<DeviceSignIn> device;
+    std::unique_ptr<MusicMaker> music;
+    std::unique_ptr<ServerContext> context;
+    httplib::Server http;
+    std::thread thread;
+    int port = 0;
+
+    void routes();
+    void guard();
+};
+
+namespace {
+constexpr std::uint64_t maxJsonBody = 16 * 1024 * 1024;
+
+bool withinJsonLimit(const httplib::Request &req)
+{
+    if (!req.has_header("Content-Length"))
+        return false;
+    const std::string text = req.get_header_value("Content-Length");
+    std::uint64_t length = 0;
+    const auto [ptr, ec] = std::from_chars(text.data(), text.data() + text.size(), length);
+    return ec == std::errc() && ptr == text.data() + text.size() && length <= maxJsonBody;
+}
+
+/// Paths in the log lose anything after the sign-in link's prefix: the code is a credential.
+std::string loggedPath(const std::string &path)
+{
+    return path.rfind("/auth/device/", 0) == 0 ? std::string("/auth/device/…") : path;
+}
+} // namespace
+
+void LibraryServer::Impl::guard()
+{
+    http.set_pre_routing_handler([this](const httplib::Request &req, httplib::Response &res) {
+        // httplib reads the body of every request except an upload into memory: such bodies
+        // are small JSON, and one that isn't is refused before it is read.
+        if (req.method != "PUT" && Reply::hasBody(req) && !withinJsonLimit(req)) {
+            Reply::error(res, 413, "The request body is too large");
+            Reply::closeAfter(req);
+            return httplib::Server::HandlerResponse::Handled;
+        }
+        if (Routes::isPublic(req) || auth->identify(req))
+            return httplib::Server::HandlerResponse::Unhandled;
+        if (config.auth == AuthMode::Basic)
+            res.set_header("WWW-Authenticate", "Basic realm=\"Aeroloom library\"");
+        Reply::error(res, 401, "Sign in to use this library");
+        if (Reply::hasBody(req))
+            Reply::closeAfter(req);
+        return httplib::Server::HandlerResponse::Handled;
+    });
+    // Routes answer their own failures with a detail; this fills in those httplib makes itself.
+    http.set_error_handler([](const httplib::Request &, httplib::Response &res) {
+        if (res.body.empty() && !res.has_header("Content-Range"))
+            Reply::error(res, res.status, res.status == 404 ? "Not found" : "The request was not understood");
+    });
+    http.set_exception_handler([](const httplib::Request &, httplib::Response &res, std::exception_ptr) {
+        Reply::error(res, 500, "The server failed on this request");
+    });
+    if (config.log) {
+        http.set_logger([](const httplib::Request &req, const httplib::Response &res) {
+            std::fprintf(stderr, "%s %s %d\n", req.method.c_str(), loggedPath(req.path).c_str(), res.status);
+        });
+    }
+}
+
+void LibraryServer::Impl::routes()
+{
+    Routes::addAuth(http, *context);
+    Routes::addFlights(http, *context);
+    Routes::addUpload(http, *context);
+    Routes::addFiles(http, *context);
+    Routes::addClips(http, *context);
+    Routes::addStories(http, *context);
+    Routes::addSamples(http, *context);
+    Routes::addMusic(http, *context);
+}
+
+LibraryServer::LibraryServer(ServerConfig config) : d(std::make_unique<Impl>())
+{
+    d->config = std::move(config);
+}
+
+LibraryServer::~LibraryServer()
+{
+    stop();
+}
+
+Result<void> LibraryServer::open()
+{
+    auto library = Library::open(d->config.library);
+    if (!library)
+        return library.failure();
+    d->library.emplace(std::move(library).value());
+    const bool fresh = !std::filesystem::exists(d->library->database());
+    auto db = Database::open(d->library->database());
+    if (!db)
+        return db.failure();
+    d->db = std::move(db).value();
+    d->flights = std::make_unique<FlightIndex>(*d->db);
+    d->staging = std::make_unique<StagingArea>(*d->library, *d->flights, d->config.quota);
+    d->tokens = std::make_unique<TokenStore>(*d->db);
+    d->auth = std::make_unique<Authenticator>(d->config, *d->tokens);
+    d->device = std::make_unique<DeviceSignIn>(d->config, *d->library, *d->tokens);
+    d->music = std::make_unique<MusicMaker>(*d->library);
+    d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
+                                       *d->auth, *d->device, *d->music});
+    // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
+    if (fresh && d->config.samples && !d->db->setting("samplesMade")) {
+        const auto made = SampleMaker::make(*d->library, *d->flights, d->staging->folderLock(),
+                                             d->config.sampleSeconds);
+        if (!made)
+            return made.failure();
+        d->music->ensure();
+        d->db->setSetting("samplesMade", std::to_string(made.value()));
+    }
+    return {};
+}
+
+Result<int> LibraryServer::start()
+{
+    if (!d->context) {
+        if (auto opened = open(); !opened)
+            return opened.failure();
+    }
+    d->guard();
+    d->routes();
+    // httplib's default also sets SO_REUSEPORT, which would let a second server share a port
+    // that is already taken; only SO_REUSEADDR is wanted (a quick restart after a stop).
+    d->http.set_socket_options([](socket_t sock) {
+        int yes = 1;
+        ::setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+    // Uploads over a slow link may pause; a minute of silence is the sign of a client gone.
+    d->http.set_read_timeout(std::chrono::seconds(60));
+    d->http.set_write_timeout(std::chrono::seconds(60));
+    errno = 0;
+    if (d->config.port == 0) {
+        d->port = d->http.bind_to_any_port(d->config.host);
+    } else {
+        d->port = d->http.bind_to_port(d->config.host, d->config.port) ? d->config.port : -1;
+    }
+    if (d->port <= 0) {
+        const int error = errno;
+        const QString where = QStringLiteral("%1:%2").arg(QString::fromStdString(d->config.host)).arg(d->config.port);
+        if (error == EADDRINUSE)
+            return Failure{QStringLiteral("server"), 4,
+                           QStringLiteral("Port %1 is already in use — pick another with --listen HOST:PORT.").arg(where)};
+        return Failure{QStringLiteral("server"), 4,
+                       QStringLiteral("The server can't listen on %1: %2.")
+                           .arg(where, QString::fromUtf8(error ? std::strerror(error) : "the address is not usable"))};
+    }
+    d->thread = std::thread([this] { d->http.listen_after_bind(); });
+    // A stop() before the loop runs would be lost, so start() returns only once it serves.
+    while (!d->http.is_running())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return d->port;
+}
+
+void LibraryServer::stop()
+{
+    if (d->thread.joinable()) {
+        d->http.stop();
+        d->thread.join();
+    }
+}
+
+int LibraryServer::port() const
+{
+    return d->port;
+}
+
+std::string LibraryServer::baseUrl() const
+{
+    return "http://" + d->config.host + ":" + std::to_string(d->port);
+}
+
+const ServerConfig &LibraryServer::config() const
+{
+    return d->config;
+}
+
+std::string LibraryServer::createToken(const std::string &email)
+{
+    return d->tokens->create(email, "command line");
+}

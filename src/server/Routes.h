@@ -1,0 +1,35 @@
+#pragma once
+
+#include <filesystem>
+
+namespace httplib {
+class Server;
+struct Request;
+struct Response;
+}
+struct ServerContext;
+
+/// The routes of the server, by area. Paths are those the desktop client asks for.
+namespace Routes {
+/// Sign-in: api/me, device sign-in and its link, web session.
+void addAuth(httplib::Server &server, ServerContext &ctx);
+/// api/flights, manifest.json, hidden flights, deleting a flight.
+void addFlights(httplib::Server &server, ServerContext &ctx);
+/// The staged upload: file PUT, commit, discard.
+void addUpload(httplib::Server &server, ServerContext &ctx);
+/// flights/<id>/<file>, with byte ranges and clip thumbnails made on demand.
+void addFiles(httplib::Server &server, ServerContext &ctx);
+/// api/clips: the pool and saving a flight's clips.
+void addClips(httplib::Server &server, ServerContext &ctx);
+/// api/projects: stories and their cut lists.
+void addStories(httplib::Server &server, ServerContext &ctx);
+/// api/samples: the sample flights, their removal and restoring.
+void addSamples(httplib::Server &server, ServerContext &ctx);
+/// api/music and music/<track>.
+void addMusic(httplib::Server &server, ServerContext &ctx);
+
+/// Streams a file, honouring one byte range (206) and refusing one past the end (416).
+void serveFile(const httplib::Request &req, httplib::Response &res, const std::filesystem::path &file);
+/// Paths that answer without credentials: the sign-in of a device and its link.
+[[nodiscard]] bool isPublic(const httplib::Request &req);
+}

@@ -1,0 +1,231 @@
+#include "Reply.h"
+#include "Routes.h"
+#include "ServerContext.h"
+
+#include <httplib.h>
+
+#include <QDateTime>
+
+#include <cctype>
+#include <cstdio>
+
+using nlohmann::ordered_json;
+
+namespace {
+
+std::string nowText()
+{
+    return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
+}
+
+/// A short file-name-safe form of a title: "Cliffs at Dawn!" gives "cliffs-at-dawn".
+std::string slugOf(const std::string &title)
+{
+    std::string slug;
+    for (const unsigned char c : title) {
+        if (std::isalnum(c) && c < 0x80)
+            slug.push_back(static_cast<char>(std::tolower(c)));
+        else if (!slug.empty() && slug.back() != '-')
+            slug.push_back('-');
+        if (slug.size() >= 60)
+            break;
+    }
+    while (!slug.empty() && slug.back() == '-')
+        slug.pop_back();
+    return slug;
+}
+
+/// Story items as the client decodes them: objects with numeric "in" and "out" and a "label";
+/// keys the server doesn't know are kept.
+std::optional<ordered_json> checkedItems(const ordered_json &body, std::string &why)
+{
+    if (!body.contains("items"))
+        return ordered_json::array();
+    if (!body["items"].is_array()) {
+        why = "\"items\" must be a list";
+        return std::nullopt;
+    }
+    ordered_json items = body["items"];
+    for (auto &item : items) {
+        if (!item.is_object() || !item.contains("in") || !item["in"].is_number() || !item.contains("out")
+            || !item["out"].is_number()) {
+            why = "every item needs the numbers \"in\" and \"out\"";
+            return std::nullopt;
+        }
+        if (!item.contains("label") || !item["label"].is_string())
+            item["label"] = "";
+    }
+    return items;
+}
+
+struct Story {
+    std::string id, title, notes, items, created, updated;
+};
+
+std::optional<Story> load(Database &db, const std::string &id)
+{
+    auto guard = db.lock();
+    auto st = db.prepare("SELECT id, title, notes, items, created, updated FROM projects WHERE id=?");
+    st.bind(1, id);
+    if (!st.step())
+        return std::nullopt;
+    return Story{st.text(0), st.text(1), st.text(2), st.text(3), st.text(4), st.text(5)};
+}
+
+ordered_json projectJson(const Story &story)
+{
+    return {{"id", story.id},
+            {"title", story.title},
+            {"notes", story.notes},
+            {"items", ordered_json::parse(story.items, nullptr, false)}};
+}
+
+ordered_json summaryJson(const Story &story)
+{
+    const auto items = ordered_json::parse(story.items, nullptr, false);
+    ordered_json out{{"id", story.id},
+                     {"title", story.title},
+                     {"count", items.is_array() ? items.size() : 0},
+                     {"created", story.created},
+                     {"updated", story.updated}};
+    if (items.is_array() && !items.empty()) {
+        ordered_json cover = ordered_json::object();
+        for (const char *key : {"flightId", "clipId"}) {
+            if (items[0].contains(key) && items[0][key].is_string())
+                cover[key] = items[0][key];
+        }
+        out["cover"] = cover;
+    }
+    return out;
+}
+
+ordered_json edlJson(const Story &story, FlightIndex &flights)
+{
+    const std::string slug = slugOf(story.title).empty() ? story.id : slugOf(story.title);
+    const auto items = ordered_json::parse(story.items, nullptr, false);
+    ordered_json list = ordered_json::array();
+    int seq = 0;
+    for (const auto &item : items.is_array() ? items : ordered_json::array()) {
+        ++seq;
+        char output[96];
+        std::snprintf(output, sizeof output, "_%02d.mp4", seq);
+        ordered_json entry{{"seq", seq}};
+        if (item.contains("flightId") && item["flightId"].is_string()) {
+            const std::string flightId = item["flightId"];
+            entry["flightId"] = flightId;
+            if (const auto row = flights.row(flightId); row && !row->source.empty())
+                entry["source"] = row->source;
+        }
+        entry["in"] = item["in"];
+        entry["out"] = item["out"];
+        entry["label"] = item.value("label", std::string());
+        entry["output"] = slug + output;
+        list.push_back(std::move(entry));
+    }
+    return {{"id", story.id}, {"title", story.title}, {"slug", slug}, {"items", list}, {"count", list.size()}};
+}
+
+void addCollection(httplib::Server &server, ServerContext &ctx)
+{
+    server.Get("/api/projects", [&ctx](const httplib::Request &, httplib::Response &res) {
+        ordered_json list = ordered_json::array();
+        auto guard = ctx.db.lock();
+        auto st = ctx.db.prepare(
+            "SELECT id, title, notes, items, created, updated FROM projects ORDER BY updated DESC, id");
+        while (st.step())
+            list.push_back(summaryJson(Story{st.text(0), st.text(1), st.text(2), st.text(3), st.text(4), st.text(5)}));
+        Reply::json(res, {{"projects", list}});
+    });
+
+    server.Post("/api/projects", [&ctx](const httplib::Request &req, httplib::Response &res) {
+        const auto body = Reply::object(req, res);
+        if (!body)
+            return;
+        std::string why;
+        const auto items = checkedItems(*body, why);
+        if (!items)
+            return Reply::error(res, 400, why);
+        Story story{TokenStore::randomSecret().substr(0, 12), body->value("title", std::string()),
+                    body->value("notes", std::string()), items->dump(), nowText(), nowText()};
+        if (story.title.empty())
+            story.title = "Untitled story";
+        auto guard = ctx.db.lock();
+        if (!ctx.db.prepare("INSERT INTO projects(id, title, notes, items, created, updated) VALUES(?,?,?,?,?,?)")
+                 .bind(1, story.id).bind(2, story.title).bind(3, story.notes).bind(4, story.items)
+                 .bind(5, story.created).bind(6, story.updated).run())
+            return Reply::error(res, 500, "The server can't store the story");
+        Reply::json(res, projectJson(story));
+    });
+}
+
+void addItem(httplib::Server &server, ServerContext &ctx)
+{
+    server.Get("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
+        const auto id = Reply::id(req, res);
+        if (!id)
+            return;
+        const auto story = load(ctx.db, *id);
+        if (!story)
+            return Reply::error(res, 404, "There is no story " + *id);
+        Reply::json(res, projectJson(*story));
+    });
+
+    server.Post("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
+        const auto id = Reply::id(req, res);
+        if (!id)
+            return;
+        const auto body = Reply::object(req, res);
+        if (!body)
+            return;
+        std::string why;
+        const auto items = checkedItems(*body, why);
+        if (!items)
+            return Reply::error(res, 400, why);
+        auto guard = ctx.db.lock();
+        auto story = load(ctx.db, *id);
+        if (!story)
+            return Reply::error(res, 404, "There is no story " + *id);
+        if (body->contains("title") && (*body)["title"].is_string())
+            story->title = (*body)["title"];
+        if (body->contains("notes") && (*body)["notes"].is_string())
+            story->notes = (*body)["notes"];
+        if (body->contains("items"))
+            story->items = items->dump();
+        ctx.db.prepare("UPDATE projects SET title=?, notes=?, items=?, updated=? WHERE id=?")
+            .bind(1, story->title).bind(2, story->notes).bind(3, story->items).bind(4, nowText()).bind(5, *id)
+            .run();
+        Reply::json(res, {{"saved", *id}});
+    });
+
+    server.Delete("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
+        const auto id = Reply::id(req, res);
+        if (!id)
+            return;
+        auto guard = ctx.db.lock();
+        if (!load(ctx.db, *id))
+            return Reply::error(res, 404, "There is no story " + *id);
+        ctx.db.prepare("DELETE FROM projects WHERE id=?").bind(1, *id).run();
+        Reply::json(res, {{"deleted", *id}});
+    });
+
+    server.Get("/api/projects/([^/]+)/edl", [&ctx](const httplib::Request &req, httplib::Response &res) {
+        const auto id = Reply::id(req, res);
+        if (!id)
+            return;
+        const auto story = load(ctx.db, *id);
+        if (!story)
+            return Reply::error(res, 404, "There is no story " + *id);
+        Reply::json(res, edlJson(*story, ctx.flights));
+    });
+}
+} // namespace
+
+namespace Routes {
+
+void addStories(httplib::Server &server, ServerContext &ctx)
+{
+    addCollection(server, ctx);
+    addItem(server, ctx);
+}
+
+} // namespace Routes

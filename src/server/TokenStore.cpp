@@ -1,0 +1,63 @@
+#include "TokenStore.h"
+
+#include <QByteArray>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QRandomGenerator>
+
+std::string TokenStore::randomSecret()
+{
+    QByteArray bytes(32, '\0');
+    QRandomGenerator::system()->fillRange(reinterpret_cast<quint32 *>(bytes.data()), 8);
+    return bytes.toHex().toStdString();
+}
+
+std::string TokenStore::digest(const std::string &text)
+{
+    return QCryptographicHash::hash(QByteArray::fromStdString(text), QCryptographicHash::Sha256).toHex().toStdString();
+}
+
+std::string TokenStore::create(const std::string &email, const std::string &name)
+{
+    const std::string token = "alt_" + randomSecret();
+    auto guard = m_db.lock();
+    m_db.prepare("INSERT INTO tokens(hash, email, name, created) VALUES(?,?,?,?)")
+        .bind(1, digest(token))
+        .bind(2, email)
+        .bind(3, name)
+        .bind(4, QDateTime::currentDateTimeUtc().toString(Qt::ISODate).toStdString())
+        .run();
+    return token;
+}
+
+std::optional<std::string> TokenStore::lookup(const std::string &token)
+{
+    auto guard = m_db.lock();
+    auto st = m_db.prepare("SELECT email FROM tokens WHERE hash=?");
+    st.bind(1, digest(token));
+    if (st.step())
+        return st.text(0);
+    return std::nullopt;
+}
+
+std::string TokenStore::createSession(const std::string &email, std::chrono::system_clock::time_point expires)
+{
+    const std::string token = randomSecret();
+    auto guard = m_db.lock();
+    m_db.prepare("INSERT INTO sessions(hash, email, expires) VALUES(?,?,?)")
+        .bind(1, digest(token))
+        .bind(2, email)
+        .bind(3, std::int64_t(std::chrono::duration_cast<std::chrono::seconds>(expires.time_since_epoch()).count()))
+        .run();
+    return token;
+}
+
+std::optional<std::string> TokenStore::lookupSession(const std::string &token, std::chrono::system_clock::time_point now)
+{
+    auto guard = m_db.lock();
+    auto st = m_db.prepare("SELECT email FROM sessions WHERE hash=? AND expires>?");
+    st.bind(1, digest(token)).bind(2, std::int64_t(std::chrono::duration_cast<std::chrono::seconds>(now.time_since_epoch()).count()));
+    if (st.step())
+        return st.text(0);
+    return std::nullopt;
+}

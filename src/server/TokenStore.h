@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Database.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+/// @brief API tokens and web sessions. Only their SHA-256 digests are kept on disk.
+class TokenStore
+{
+public:
+    explicit TokenStore(Database &db) : m_db(db) {}
+
+    /// A new API token for this e-mail address; the only time its text is seen.
+    [[nodiscard]] std::string create(const std::string &email, const std::string &name);
+    /// The e-mail address of a token, when it is one of ours.
+    [[nodiscard]] std::optional<std::string> lookup(const std::string &token);
+
+    /// A web session for the holder of a token, valid until `expires`.
+    [[nodiscard]] std::string createSession(const std::string &email, std::chrono::system_clock::time_point expires);
+    [[nodiscard]] std::optional<std::string> lookupSession(const std::string &token,
+                                                           std::chrono::system_clock::time_point now);
+
+    /// A random text of 32 bytes in hexadecimal.
+    [[nodiscard]] static std::string randomSecret();
+    [[nodiscard]] static std::string digest(const std::string &text);
+
+private:
+    Database &m_db;
+};
