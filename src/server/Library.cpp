@@ -3,6 +3,7 @@
 #include <QRandomGenerator>
 #include <QString>
 
+#include <chrono>
 #include <fstream>
 #include <system_error>
 
@@ -29,6 +30,14 @@ Result<Library> Library::open(const fs::path &root)
     // Leftovers of uploads cut short by a stop of the server.
     for (const auto &entry : fs::directory_iterator(absolute / "tmp", ec))
         fs::remove_all(entry.path(), ec);
+    // Staged uploads nobody came back for in a day: the client discards its failures, but a
+    // machine that died mid-upload can't, and staged bytes count against the quota.
+    const auto dayAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
+    for (const auto &entry : fs::directory_iterator(absolute / "staging", ec)) {
+        std::error_code timeError;
+        if (entry.last_write_time(timeError) < dayAgo && !timeError)
+            fs::remove_all(entry.path(), timeError);
+    }
 
     const fs::path probe = absolute / "tmp" / "write-probe";
     {

@@ -42,9 +42,12 @@ struct LibraryServer::Impl {
 
     void routes();
     void guard();
+    void refuse(httplib::Response &res) const;
 };
 
 namespace {
+/// Where a refused request with a body is sent to have its body read before the 401.
+constexpr const char *refusalPath = "/.refused";
 constexpr std::uint64_t maxJsonBody = 16 * 1024 * 1024;
 
 bool withinJsonLimit(const httplib::Request &req)
@@ -64,9 +67,21 @@ std::string loggedPath(const std::string &path)
 }
 } // namespace
 
+void LibraryServer::Impl::refuse(httplib::Response &res) const
+{
+    if (config.auth == AuthMode::Basic)
+        res.set_header("WWW-Authenticate", "Basic realm=\"Aeroloom library\"");
+    Reply::error(res, 401, "Sign in to use this library");
+}
+
 void LibraryServer::Impl::guard()
 {
     http.set_pre_routing_handler([this](const httplib::Request &req, httplib::Response &res) {
+        // A request with neither Content-Length nor Transfer-Encoding has no body, as HTTP says
+        // and as the desktop client sends its bodiless POSTs and DELETEs; httplib would instead
+        // wait for a body until the client hangs up.
+        if (!req.has_header("Content-Length") && !req.has_header("Transfer-Encoding"))
+            const_cast<httplib::Request &>(req).headers.emplace("Content-Length", "0");
         // httplib reads the body of every request except an upload into memory: such bodies
         // are small JSON, and one that isn't is refused before it is read.
         if (req.method != "PUT" && Reply::hasBody(req) && !withinJsonLimit(req)) {
@@ -76,12 +91,23 @@ void LibraryServer::Impl::guard()
         }
         if (Routes::isPublic(req) || auth->identify(req))
             return httplib::Server::HandlerResponse::Unhandled;
-        if (config.auth == AuthMode::Basic)
-            res.set_header("WWW-Authenticate", "Basic realm=\"Aeroloom library\"");
-        Reply::error(res, 401, "Sign in to use this library");
-        if (Reply::hasBody(req))
-            Reply::closeAfter(req);
-        return httplib::Server::HandlerResponse::Handled;
+        if (!Reply::hasBody(req)) {
+            refuse(res);
+            return httplib::Server::HandlerResponse::Handled;
+        }
+        // A refused request's body is read (and dropped) before the answer, so the client hears
+        // the 401 rather than a reset while it is still sending: send it to the refusal route.
+        const_cast<httplib::Request &>(req).path = refusalPath;
+        return httplib::Server::HandlerResponse::Unhandled;
+    });
+    const auto refuseWithBody = [this](const httplib::Request &, httplib::Response &res) { refuse(res); };
+    http.Get(refusalPath, refuseWithBody);
+    http.Post(refusalPath, refuseWithBody);
+    http.Delete(refusalPath, refuseWithBody);
+    http.Patch(refusalPath, refuseWithBody);
+    http.Put(refusalPath, [this](const httplib::Request &, httplib::Response &res, const httplib::ContentReader &reader) {
+        reader([](const char *, std::size_t) { return true; });
+        refuse(res);
     });
     // Routes answer their own failures with a detail; this fills in those httplib makes itself.
     http.set_error_handler([](const httplib::Request &, httplib::Response &res) {

@@ -48,6 +48,10 @@ int main(int argc, char **argv)
         return 1;
     }
     std::printf("Serving the library %s on %s\n", config.library.c_str(), server.baseUrl().c_str());
+    if (config.auth == AuthMode::Token)
+        std::printf("Sign in with e-mail (links land in %s/outbox), or make a token with:\n"
+                    "  aeroloom-server --library %s token create\n",
+                    config.library.c_str(), config.library.c_str());
     std::fflush(stdout);
 
     int signal = 0;

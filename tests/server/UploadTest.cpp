@@ -168,6 +168,19 @@ TEST_F(Upload, SendingAFlightAgainReplacesItAndKeepsItsClips)
     EXPECT_EQ(jsonOf(client->Get("/api/clips"))["clips"].size(), 1u);
 }
 
+TEST_F(Upload, AnIdMadeFromAPlainFileNameWorks)
+{
+    // Files without a camera name are known by their stem, spaces and all.
+    TestServer server;
+    auto client = server.client();
+    ASSERT_EQ(uploadFlight(*client, "my%20clip%20(1)", *folder)->status, 200);
+    EXPECT_EQ(jsonOf(client->Get("/api/flights"))["ids"], nlohmann::json::array({"my clip (1)"}));
+    EXPECT_EQ(client->Get("/flights/my%20clip%20(1)/thumb.jpg")->status, 200);
+    const auto entry = jsonOf(client->Get("/manifest.json"))["flights"][0];
+    EXPECT_EQ(entry["id"], "my clip (1)");
+    EXPECT_FALSE(entry.contains("date"));
+}
+
 TEST_F(Upload, DeletingAFlightRemovesItsFiles)
 {
     TestServer server;
@@ -179,4 +192,22 @@ TEST_F(Upload, DeletingAFlightRemovesItsFiles)
     EXPECT_FALSE(fs::exists(server.library() / "flights" / flightId));
     EXPECT_EQ(jsonOf(client->Get("/api/flights"))["used"], 0);
     EXPECT_EQ(client->Delete(("/api/flights/" + flightId).c_str())->status, 404);
+}
+
+TEST_F(Upload, StagingForgottenForADayIsClearedAtStart)
+{
+    TestServer server;
+    auto client = server.client();
+    for (const char *id : {"old", "recent"}) {
+        ASSERT_EQ(client->Put((std::string("/api/flights/") + id + "/files/thumb.jpg").c_str(), std::string(10, 'x'),
+                              "application/octet-stream")->status,
+                  200);
+    }
+    server.server().stop();
+    fs::last_write_time(server.library() / "staging" / "old",
+                        fs::file_time_type::clock::now() - std::chrono::hours(25));
+    LibraryServer again(server.server().config());
+    ASSERT_TRUE(again.start());
+    EXPECT_FALSE(fs::exists(server.library() / "staging" / "old"));
+    EXPECT_TRUE(fs::exists(server.library() / "staging" / "recent" / "thumb.jpg"));
 }
