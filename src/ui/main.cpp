@@ -1,16 +1,82 @@
 // The composition root: builds the services once and hands them to the screens.
+#include "AppModel.h"
+#include "FileOpenRouter.h"
+#include "ImageCache.h"
+#include "KeychainCredentialStore.h"
+#include "PlaybackQuality.h"
+#include "Preferences.h"
+#include "Theme.h"
+#include "ThemeManager.h"
+#include "UiServices.h"
+#include "UnitsPref.h"
+#include "WindowShots.h"
+
+#include <QCommandLineParser>
+#include <QDateTime>
 #include <QGuiApplication>
+#include <QPalette>
 #include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+
+#include <QCoroTask>
 
 int main(int argc, char *argv[])
 {
+    const qint64 startedMs = QDateTime::currentMSecsSinceEpoch();
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("Aeroloom"));
     QGuiApplication::setApplicationName(QStringLiteral("Aeroloom"));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Ornivale"));
+
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    const QCommandLineOption screenshots(QStringLiteral("screenshots"),
+                                         QStringLiteral("Save a picture of every window into <dir> and quit."),
+                                         QStringLiteral("dir"));
+    const QCommandLineOption prefix(QStringLiteral("shot-prefix"), QStringLiteral("Prefix of the picture names."),
+                                    QStringLiteral("prefix"), QStringLiteral("aeroloom"));
+    const QCommandLineOption firstFrame(QStringLiteral("first-frame-exit"),
+                                        QStringLiteral("Print the time to the main window's first frame and quit."));
+    parser.addOptions({screenshots, prefix, firstFrame});
+    parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Flight files to import."), QStringLiteral("[files...]"));
+    parser.process(app);
+
+    // The offscreen platform has no GPU: draw in software so pictures come out the same everywhere.
+    if (QGuiApplication::platformName() == QLatin1String("offscreen"))
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+
+    Preferences prefs;
+    prefs.registerAppDefaults();
+    KeychainCredentialStore credentials;
+    AppModel appModel(prefs, credentials);
+    ThemeManager themeManager(prefs);
+    themeManager.setSystemDark(QGuiApplication::palette().color(QPalette::Window).lightness() < 128);
+    Theme theme(themeManager);
+    UnitsPref units(prefs);
+    PlaybackQuality playback(prefs);
+    FileOpenRouter router;
+    ImageCache images;
+    router.openArguments(parser.positionalArguments());
+
+    // The session is decided before the first window shows, so no window flashes the wrong
+    // screen; a keyring that doesn't answer gives up after its timeout.
+    QCoro::waitFor(appModel.start());
+
+    registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images});
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
                      [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);
     engine.load(QUrl(QStringLiteral("qrc:/Aeroloom/qml/Main.qml")));
+    if (engine.rootObjects().isEmpty())
+        return 1;
+
+    WindowShots shots(engine);
+    if (parser.isSet(screenshots))
+        shots.captureAllInto(QDir(parser.value(screenshots)), parser.value(prefix));
+    else if (parser.isSet(firstFrame))
+        shots.exitOnFirstFrame(startedMs);
     return app.exec();
 }

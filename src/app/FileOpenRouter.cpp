@@ -1,0 +1,32 @@
+#include "FileOpenRouter.h"
+
+#include <QDir>
+
+void FileOpenRouter::open(const QList<QUrl> &urls)
+{
+    if (urls.isEmpty())
+        return;
+    m_pending += urls;
+    Q_EMIT pendingChanged();
+}
+
+void FileOpenRouter::openArguments(const QStringList &arguments)
+{
+    QList<QUrl> urls;
+    for (const QString &arg : arguments) {
+        if (arg.isEmpty() || arg.startsWith(QLatin1Char('-')))
+            continue;
+        const QUrl url(arg);
+        urls.append(url.isLocalFile() ? url : QUrl::fromLocalFile(QDir::current().absoluteFilePath(arg)));
+    }
+    open(urls);
+}
+
+QList<QUrl> FileOpenRouter::take()
+{
+    QList<QUrl> taken;
+    taken.swap(m_pending);
+    if (!taken.isEmpty())
+        Q_EMIT pendingChanged();
+    return taken;
+}

@@ -1,0 +1,22 @@
+// One section of the main view. Its content arrives with the screens that fill it; until then
+// it shows its name.
+import QtQuick
+import QtQuick.Layouts
+import Aeroloom.Services
+
+Rectangle {
+    id: sectionView
+    /// "flights", "clips" or "reels".
+    property string section: "flights"
+    readonly property string title: section === "clips" ? "Clips" : section === "reels" ? "Stories" : "Flights"
+    color: Theme.background
+
+    Text {
+        x: 32
+        y: 28
+        text: sectionView.title
+        color: Theme.text
+        font.pixelSize: 28
+        font.weight: Font.Bold
+    }
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "AppModel.h"
+#include "Preferences.h"
+
+#include <QProcessEnvironment>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+#include <memory>
+
+/// A settings file of the test's own, deleted with the fixture.
+struct IsolatedPrefs {
+    QTemporaryDir dir;
+    std::unique_ptr<Preferences> prefs = std::make_unique<Preferences>(dir.filePath("settings.ini"));
+
+    /// A second store over the same file, as the next start of the program sees it.
+    [[nodiscard]] std::unique_ptr<Preferences> reopen()
+    {
+        prefs->sync();
+        return std::make_unique<Preferences>(dir.filePath("settings.ini"));
+    }
+};
+
+/// An environment without any of the development overrides, plus the given ones.
+inline QProcessEnvironment envWith(std::initializer_list<std::pair<QString, QString>> vars)
+{
+    QProcessEnvironment env;
+    for (const auto &[k, v] : vars)
+        env.insert(k, v);
+    return env;
+}
+
+/// Waits for the background `api/me` refresh that sign-in and start-up kick off.
+inline bool waitForRefresh(AppModel &app, QSignalSpy &spy, int count = 1)
+{
+    while (spy.count() < count) {
+        if (!spy.wait(5000))
+            return false;
+    }
+    (void)app;
+    return true;
+}
