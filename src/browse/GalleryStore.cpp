@@ -23,8 +23,11 @@ GalleryStore::GalleryStore(std::shared_ptr<APIClient> client, QSettings *setting
     : QObject(parent), m_client(std::move(client)), m_prefs(settings), m_rows(new GalleryRowsModel(this))
 {
     m_controls = m_prefs.load();
-    if (settings)
+    m_tileHost = QString::fromLatin1(TileMath::defaultTileHost);
+    if (settings) {
         m_metric = settings->value(QStringLiteral("metricUnits"), false).toBool();
+        m_tileHost = settings->value(QStringLiteral("map.tileHost"), m_tileHost).toString();
+    }
     if (events) {
         connect(events, &AppEvents::samplesChanged, this, &GalleryStore::load);
         connect(events, &AppEvents::flightImported, this, &GalleryStore::load);
@@ -141,6 +144,16 @@ bool GalleryStore::openFiltersOnStart() const
 {
     // A development aid: the filter popover opens by itself.
     return qEnvironmentVariable("SPIKE_FILTERS") == QLatin1String("1");
+}
+
+QString GalleryStore::mapAttribution() const
+{
+    return QString::fromUtf8(TileMath::baseMapAttribution);
+}
+
+QString GalleryStore::baseMapTemplate(bool dark) const
+{
+    return TileMath::baseMapTemplate(m_tileHost, dark);
 }
 
 void GalleryStore::recompute()

@@ -44,6 +44,8 @@ class GalleryStore : public QObject
     Q_PROPERTY(QVariantList groupChoices READ groupChoices CONSTANT FINAL)
     Q_PROPERTY(QVariantList todChoices READ todChoices CONSTANT FINAL)
     Q_PROPERTY(bool openFiltersOnStart READ openFiltersOnStart CONSTANT FINAL)
+    Q_PROPERTY(QString tileHost READ tileHost CONSTANT FINAL)
+    Q_PROPERTY(QString mapAttribution READ mapAttribution CONSTANT FINAL)
     // Result of the query
     Q_PROPERTY(GalleryRowsModel *rows READ rows CONSTANT FINAL)
     Q_PROPERTY(QString title READ title NOTIFY resultChanged FINAL)
@@ -107,6 +109,11 @@ public:
     [[nodiscard]] QVariantList groupChoices() const;
     [[nodiscard]] QVariantList todChoices() const;
     [[nodiscard]] bool openFiltersOnStart() const;
+    /// Where the base map comes from: the setting "map.tileHost", else the public CARTO host.
+    [[nodiscard]] QString tileHost() const { return m_tileHost; }
+    [[nodiscard]] QString mapAttribution() const;
+    /// The tile URL template of the dark or light base map.
+    [[nodiscard]] Q_INVOKABLE QString baseMapTemplate(bool dark) const;
 
     [[nodiscard]] GalleryRowsModel *rows() const { return m_rows; }
     [[nodiscard]] QString title() const;
@@ -211,6 +218,7 @@ private:
     GalleryControls m_controls;
     GalleryLibrary m_library;
     bool m_metric = false;
+    QString m_tileHost;
 
     QList<int> m_filtered;
     QList<FlightGroup> m_groups;

@@ -1,6 +1,9 @@
 // The composition root: builds the services once and hands them to the screens.
+#include "AppEvents.h"
 #include "AppModel.h"
+#include "BrowseTypes.h"
 #include "FileOpenRouter.h"
+#include "GalleryStore.h"
 #include "ImageCache.h"
 #include "KeychainCredentialStore.h"
 #include "PlaybackQuality.h"
@@ -65,6 +68,20 @@ int main(int argc, char *argv[])
     QCoro::waitFor(appModel.start());
 
     registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images});
+
+    // The flights section: follows the session's client and the units, reloads on app events.
+    AppEvents events;
+    QSettings gallerySettings(prefs.fileName(), QSettings::IniFormat);
+    GalleryStore gallery(appModel.client(), &gallerySettings, &events);
+    gallery.setMetric(units.metric());
+    QObject::connect(&units, &UnitsPref::metricChanged, &gallery, [&] { gallery.setMetric(units.metric()); });
+    QObject::connect(&appModel, &AppModel::clientChanged, &gallery, [&] {
+        gallery.setClient(appModel.client());
+        if (appModel.loggedIn())
+            gallery.load();
+    });
+    registerBrowseTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
