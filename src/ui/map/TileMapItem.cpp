@@ -141,6 +141,14 @@ int TileMapItem::pendingTiles() const
     return m_loader ? m_loader->pending() : 0;
 }
 
+int TileMapItem::missingTiles() const
+{
+    int missing = 0;
+    for (const TileMath::TileRef &ref : TileMath::visibleTiles(m_camera, viewSize()))
+        missing += !m_loader || m_loader->cached(TileMath::tileUrl(m_urlTemplate, ref.z, ref.x, ref.y)).isNull();
+    return missing;
+}
+
 void TileMapItem::setCamera(double lat, double lon, double zoom)
 {
     m_animation.stop();

@@ -67,6 +67,8 @@ public:
     Q_INVOKABLE void setCamera(double lat, double lon, double zoom);
     /// Shows every pin inside the padding, without animation.
     Q_INVOKABLE void fitPins();
+    /// Tiles of the current view not yet in memory (0 once the view is complete).
+    Q_INVOKABLE int missingTiles() const;
     /// What a press at (x, y) would hit: a pin's id, "cluster:<n>" or "".
     Q_INVOKABLE QString hitAt(double x, double y) const;
     /// Presses at (x, y) as a pointer would.
