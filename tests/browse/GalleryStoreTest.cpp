@@ -17,7 +17,7 @@ namespace {
 const QByteArray manifest = R"({"flights":[
   {"id":"F1","date":"2024-05-01T10:00:00","place":"Vík","model":"Mavic 3","centroid":{"lat":63.42,"lon":-19.01},"pathLength":1200},
   {"id":"F2","date":"2024-05-03T10:00:00","place":"Vík","model":"Mini 4","centroid":{"lat":63.43,"lon":-19.02}},
-  {"id":"F3","date":"2024-06-10T22:30:00","place":"Reykjavík","model":"Mavic 3"},
+  {"id":"F3","date":"2024-06-10T22:30:00","place":"Reykjavík","model":"Mavic 3","relAlt":{"max":100},"maxSpeed":10},
   {"id":"F4","place":"Reykjavík","extra":"ignored"}]})";
 
 /// A library server's replies, switchable per path while a test runs.
@@ -278,4 +278,48 @@ TEST(GalleryStoreControls, ChangesAreStoredAtOnceAndReadBack)
     again.clearAllFilters();
     EXPECT_EQ(again.modelFilter(), "all");
     EXPECT_EQ(again.layout(), "map");
+}
+
+TEST(GalleryRows, SectionsBecomeHeadersAndRowsOfCardsInTheChosenUnits)
+{
+    Fixture f;
+    run(f.store.reload());
+    GalleryRowsModel *rows = f.store.rows();
+    rows->setColumns(1);
+    // By place: Vík (F1, F2) then Reykjavík (F3; F4 is hidden).
+    auto kinds = [rows] {
+        QStringList out;
+        for (int i = 0; i < rows->rowCount(); ++i)
+            out.append(rows->data(rows->index(i), GalleryRowsModel::KindRole).toString());
+        return out;
+    };
+    EXPECT_EQ(kinds(), QStringList({"header", "cards", "cards", "header", "cards"}));
+    rows->setColumns(3);
+    EXPECT_EQ(kinds(), QStringList({"header", "cards", "header", "cards"}));
+    EXPECT_EQ(rows->data(rows->index(0), GalleryRowsModel::LabelRole).toString(), "Vík");
+    EXPECT_EQ(rows->data(rows->index(0), GalleryRowsModel::CountRole).toInt(), 2);
+
+    f.store.setGroup("flat");  // one untitled section: no header at all
+    EXPECT_EQ(kinds(), QStringList({"cards"}));
+    const QVariantList cards = rows->data(rows->index(0), GalleryRowsModel::CardsRole).toList();
+    ASSERT_EQ(cards.size(), 3);
+    const QVariantMap first = cards[0].toMap();
+    EXPECT_EQ(first.value("id").toString(), "F3");
+    EXPECT_EQ(first.value("clipCount").toInt(), 1);
+    EXPECT_EQ(first.value("durationText").toString(), "0:00");
+    EXPECT_TRUE(first.value("thumbUrl").toUrl().toString().endsWith("/flights/F3/thumb.jpg"));
+
+    // Units follow the preference without a reload.
+    f.store.setSelecting(true);
+    f.store.press("F1");
+    const auto card = [&](int i) { return rows->data(rows->index(0), GalleryRowsModel::CardsRole).toList()[i].toMap(); };
+    EXPECT_TRUE(card(2).value("selected").toBool());
+    f.store.setMetric(false);
+    EXPECT_EQ(card(0).value("altitudeText").toString(), "328 ft");  // truncated, not rounded
+    EXPECT_EQ(card(0).value("speedText").toString(), "22 mph");
+    EXPECT_EQ(f.store.stats().value("distanceCaption").toString(), "mi");
+    f.store.setMetric(true);
+    EXPECT_EQ(card(0).value("altitudeText").toString(), "100 m");
+    EXPECT_EQ(card(0).value("speedText").toString(), "36 km/h");
+    EXPECT_EQ(f.store.stats().value("distanceCaption").toString(), "km");
 }
