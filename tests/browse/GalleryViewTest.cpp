@@ -174,6 +174,22 @@ TEST_F(GalleryView, GridFiltersHidesAndDeletesAgainstTheServer)
     themes.setPref(ThemeManager::ThemePref::field);
     shoot("gallery-grid-light");
 
+    // Grouped by month, picking flights for a story, the filter popover open.
+    store->setGroup("month");
+    store->setSelecting(true);
+    store->press("20240601_184512_0002");
+    auto *popover = view->rootObject()->findChild<QObject *>("filterPopover");
+    ASSERT_TRUE(popover);
+    QMetaObject::invokeMethod(popover, "open");
+    ASSERT_TRUE(waitUntil([&] { return popover->property("opened").toBool(); }));
+    shoot("gallery-filters-light");
+    themes.setPref(ThemeManager::ThemePref::cockpit);
+    shoot("gallery-filters-dark");
+    themes.setPref(ThemeManager::ThemePref::field);
+    QMetaObject::invokeMethod(popover, "close");
+    store->finishSelecting();
+    store->removeChip("group");
+
     // Hide reaches the server.
     QMetaObject::invokeMethod(card("20240601_184512_0002"), "hide");
     ASSERT_TRUE(waitUntil([&] { return card("20240601_184512_0002") == nullptr; }));

@@ -22,6 +22,26 @@ Popup {
         valueRole: "value"
         currentIndex: Math.max(0, indexOfValue(current))
         onActivated: chosen(currentValue)
+        implicitHeight: 30
+        background: Rectangle { radius: 7; color: Theme.field; border.color: Theme.border }
+        contentItem: Text {
+            leftPadding: 10
+            text: choice.displayText
+            color: Theme.text
+            font.pixelSize: 13
+            verticalAlignment: Text.AlignVCenter
+            elide: Text.ElideRight
+        }
+    }
+    component Toggle: Switch {
+        id: toggle
+        contentItem: Text {
+            leftPadding: toggle.indicator.width + toggle.spacing
+            text: toggle.text
+            color: Theme.text
+            font.pixelSize: 13
+            verticalAlignment: Text.AlignVCenter
+        }
     }
 
     contentItem: ColumnLayout {
@@ -64,17 +84,15 @@ Popup {
             current: popover.store.modelFilter
             onChosen: (value) => popover.store.modelFilter = value
         }
-        Switch {
+        Toggle {
             text: "★ Clips only"
             checked: popover.store.clipsOnly
             onToggled: popover.store.clipsOnly = checked
-            palette.windowText: Theme.text
         }
-        Switch {
+        Toggle {
             text: popover.store.hiddenSwitchText
             checked: popover.store.showHidden
             onToggled: popover.store.showHidden = checked
-            palette.windowText: Theme.text
         }
         RowLayout {
             Text { text: popover.store.footerText; color: Theme.textMuted; font.pixelSize: 12 }
