@@ -6,14 +6,6 @@
 
 #include <QCoroNetworkReply>
 
-namespace {
-// Replies are deleted from the event loop: the coroutine that owns one resumes inside the
-// reply's own finished() emission.
-struct DeleteLater {
-    void operator()(QObject *object) const { object->deleteLater(); }
-};
-} // namespace
-
 APIClient::APIClient(const QString &base, std::optional<QString> authHeader, QObject *parent,
                      std::shared_ptr<QNetworkAccessManager> network)
     : QObject(parent)
@@ -91,7 +83,7 @@ QCoro::Task<> APIClient::awaitReply(QNetworkReply *reply, CancelToken *cancel)
 
 QCoro::Task<Result<QByteArray>> APIClient::finish(QNetworkReply *reply, CancelToken *cancel)
 {
-    const std::unique_ptr<QNetworkReply, DeleteLater> owner(reply);
+    const ReplyPtr owner(reply);
     co_await awaitReply(reply, cancel);
     co_return judge(*reply);
 }

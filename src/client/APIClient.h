@@ -83,6 +83,8 @@ public:
     /// Headers a media player must send itself (libmpv `http-header-fields`, ffmpeg `-headers`):
     /// "Authorization: <header>", or none without credentials.
     [[nodiscard]] QStringList mediaHeaders() const;
+    /// The same headers as one ffmpeg `-headers` value (each line ended by CRLF), or empty.
+    [[nodiscard]] QString ffmpegHeaders() const;
     /// The flight's video: "proxy_480.mp4" when the flight has one and `hq` is off, else "proxy.mp4".
     [[nodiscard]] QUrl proxyURL(const QString &flightId, bool has480, bool hq) const;
     /// "flights/<id>/thumb.jpg"
@@ -175,6 +177,13 @@ public:
     static QCoro::Task<Result<QByteArray>> finish(QNetworkReply *reply, CancelToken *cancel);
 
 private:
+    /// Replies are deleted from the event loop: the coroutine that owns one resumes inside the
+    /// reply's own finished() emission.
+    struct DeleteLater {
+        void operator()(QObject *object) const { object->deleteLater(); }
+    };
+    using ReplyPtr = std::unique_ptr<QNetworkReply, DeleteLater>;
+
     /// A POST/PATCH request with a JSON body: 60 s and `Content-Type: application/json`.
     [[nodiscard]] QNetworkRequest jsonRequest(const QString &relative) const;
     /// Sends and awaits one request; `network` rides along so the reply outlives this client.

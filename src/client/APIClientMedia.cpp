@@ -11,17 +11,19 @@
 
 #include <cmath>
 
-namespace {
-struct DeleteLater {
-    void operator()(QObject *object) const { object->deleteLater(); }
-};
-} // namespace
-
 QStringList APIClient::mediaHeaders() const
 {
     if (!m_authHeader)
         return {};
     return {QStringLiteral("Authorization: ") + *m_authHeader};
+}
+
+QString APIClient::ffmpegHeaders() const
+{
+    QString text;
+    for (const QString &header : mediaHeaders())
+        text += header + QStringLiteral("\r\n");
+    return text;
 }
 
 QUrl APIClient::proxyURL(const QString &flightId, bool has480, bool hq) const
@@ -81,7 +83,7 @@ QCoro::Task<std::optional<QNetworkCookie>> APIClient::webSessionCookie() const
         co_return std::nullopt;
     const QString base = m_base;
     const auto network = m_network;
-    const std::unique_ptr<QNetworkReply, DeleteLater> reply(
+    const ReplyPtr reply(
         network->sendCustomRequest(request(url(QStringLiteral("api/auth/session")), requestTimeout), "POST",
                                    QByteArray()));
     co_await awaitReply(reply.get(), nullptr);
@@ -108,9 +110,11 @@ QCoro::Task<Result<QString>> APIClient::downloadToTemporary(QString relative, QS
         co_return APIError::downloadNotWritten(part.errorString());
 
     const auto network = m_network;
-    const std::unique_ptr<QNetworkReply, DeleteLater> reply(network->get(request(url(relative))));
+    const ReplyPtr reply(network->get(request(url(relative))));
     QString writeError;
     const auto drain = [&] {
+        if (!reply->isOpen())  // aborted
+            return;
         const QByteArray chunk = reply->readAll();
         if (writeError.isEmpty() && !chunk.isEmpty() && part.write(chunk) != chunk.size()) {
             writeError = part.errorString();

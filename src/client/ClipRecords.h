@@ -18,6 +18,17 @@ struct Clip {
     std::optional<bool> autoSuggested;  ///< "auto": suggested by the server and not yet kept
     std::optional<QString> why;         ///< the server's reason for a suggestion
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("id", self.id)
+         .req("in", self.start)
+         .req("out", self.end)
+         .req("label", self.label)
+         .opt("auto", self.autoSuggested)
+         .opt("why", self.why);
+    }
+
     [[nodiscard]] static std::optional<Clip> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const Clip &) const = default;
@@ -31,6 +42,16 @@ struct Moment {
     std::optional<double> score;
     std::optional<QString> why;
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.opt("id", self.mid)
+         .req("in", self.start)
+         .req("out", self.end)
+         .opt("score", self.score)
+         .opt("why", self.why);
+    }
+
     [[nodiscard]] static std::optional<Moment> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const Moment &) const = default;
@@ -43,6 +64,13 @@ struct Moment {
 struct ClipRef {
     std::optional<QString> flightId;
     std::optional<bool> autoSuggested;  ///< "auto"
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.opt("flightId", self.flightId)
+         .opt("auto", self.autoSuggested);
+    }
 
     [[nodiscard]] static std::optional<ClipRef> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
@@ -63,6 +91,23 @@ struct PoolClip {
     std::optional<bool> vertical;
     std::optional<bool> autoSuggested;  ///< "auto"
     std::optional<QString> why;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("flightId", self.flightId)
+         .opt("clipId", self.clipId)
+         .req("in", self.start)
+         .req("out", self.end)
+         .req("label", self.label)
+         .opt("thumb", self.thumb)
+         .opt("place", self.place)
+         .opt("date", self.date)
+         .opt("p480", self.p480)
+         .opt("vertical", self.vertical)
+         .opt("auto", self.autoSuggested)
+         .opt("why", self.why);
+    }
 
     [[nodiscard]] static std::optional<PoolClip> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;

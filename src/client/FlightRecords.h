@@ -15,6 +15,13 @@ struct RelAlt {
     std::optional<double> min;
     std::optional<double> max;
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.opt("min", self.min)
+         .opt("max", self.max);
+    }
+
     [[nodiscard]] static std::optional<RelAlt> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const RelAlt &) const = default;
@@ -24,6 +31,13 @@ struct RelAlt {
 struct Centroid {
     double lat = 0;
     double lon = 0;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("lat", self.lat)
+         .req("lon", self.lon);
+    }
 
     [[nodiscard]] static std::optional<Centroid> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
@@ -35,6 +49,14 @@ struct VideoInfo {
     std::optional<int> w;
     std::optional<int> h;
     std::optional<bool> vertical;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.opt("w", self.w)
+         .opt("h", self.h)
+         .opt("vertical", self.vertical);
+    }
 
     [[nodiscard]] static std::optional<VideoInfo> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
@@ -56,6 +78,23 @@ struct Flight {
     std::optional<int> samples;
     std::optional<bool> p480;  ///< a "proxy_480.mp4" exists
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("id", self.id)
+         .opt("date", self.date)
+         .opt("model", self.model)
+         .opt("duration", self.duration)
+         .opt("pathLength", self.pathLength)
+         .opt("maxSpeed", self.maxSpeed)
+         .opt("relAlt", self.relAlt)
+         .opt("centroid", self.centroid)
+         .opt("place", self.place)
+         .opt("video", self.video)
+         .opt("samples", self.samples)
+         .opt("p480", self.p480);
+    }
+
     [[nodiscard]] static std::optional<Flight> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const Flight &) const = default;
@@ -76,6 +115,12 @@ struct Flight {
 struct Manifest {
     QList<Flight> flights;
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("flights", self.flights);
+    }
+
     [[nodiscard]] static std::optional<Manifest> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const Manifest &) const = default;
@@ -90,6 +135,18 @@ struct TrackSample {
     std::optional<double> yaw;
     std::optional<double> speed;
     std::optional<double> climb;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("t", self.t)
+         .req("lat", self.lat)
+         .req("lon", self.lon)
+         .opt("relAlt", self.relAlt)
+         .opt("yaw", self.yaw)
+         .opt("speed", self.speed)
+         .opt("climb", self.climb);
+    }
 
     [[nodiscard]] static std::optional<TrackSample> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
@@ -109,6 +166,14 @@ struct SamplesStatus {
     int count = 0;
     qint64 bytes = 0;
     int restorable = 0;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("count", self.count)
+         .req("bytes", self.bytes)
+         .req("restorable", self.restorable);
+    }
 
     [[nodiscard]] static std::optional<SamplesStatus> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;

@@ -42,9 +42,23 @@ QString show(const QDateTime &when, const char *format)
 
 std::optional<QDateTime> parseLocal(const QString &text)
 {
-    static const QString format = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss");
-    QDateTime when = QDateTime::fromString(text, format);
-    if (!when.isValid())
+    // Read by position rather than through a format parser: the gallery does this per flight.
+    // "yyyy-MM-dd'T'HH:mm:ss", nothing before or after.
+    static constexpr char shape[] = "dddd-dd-ddTdd:dd:dd";
+    if (text.size() != qsizetype(sizeof shape - 1))
+        return std::nullopt;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (shape[i] == 'd' ? !(c >= QLatin1Char('0') && c <= QLatin1Char('9')) : c != QLatin1Char(shape[i]))
+            return std::nullopt;
+    }
+    const auto number = [&](qsizetype at, qsizetype length) { return QStringView(text).mid(at, length).toInt(); };
+    const QDate date(number(0, 4), number(5, 2), number(8, 2));
+    const QTime time(number(11, 2), number(14, 2), number(17, 2));
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    QDateTime when(date, time, Qt::LocalTime);
+    if (!when.isValid())  // a clock time skipped by a daylight-saving change
         return std::nullopt;
     return when;
 }

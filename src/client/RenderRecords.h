@@ -16,6 +16,15 @@ struct RenderSettings {
     std::optional<double> xfade;
     std::optional<bool> hud;
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.opt("track", self.track)
+         .opt("beatSync", self.beatSync)
+         .opt("xfade", self.xfade)
+         .opt("hud", self.hud);
+    }
+
     [[nodiscard]] static std::optional<RenderSettings> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const RenderSettings &) const = default;
@@ -35,6 +44,21 @@ struct RenderStatus {
     std::optional<QString> aspect;  ///< "landscape" or "vertical"
     std::optional<RenderSettings> settings;
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("status", self.status)
+         .opt("id", self.id)
+         .opt("progress", self.progress)
+         .opt("url", self.url)
+         .opt("rendered", self.rendered)
+         .opt("duration", self.duration)
+         .opt("stale", self.stale)
+         .opt("error", self.error)
+         .opt("aspect", self.aspect)
+         .opt("settings", self.settings);
+    }
+
     [[nodiscard]] static std::optional<RenderStatus> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const RenderStatus &) const = default;
@@ -52,6 +76,21 @@ struct RenderEntry {
     std::optional<RenderSettings> settings;
     std::optional<QString> projectId;     ///< in the library-wide list
     std::optional<QString> projectTitle;  ///< in the library-wide list
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("id", self.id)
+         .opt("url", self.url)
+         .opt("rendered", self.rendered)
+         .opt("duration", self.duration)
+         .opt("size", self.size)
+         .opt("stale", self.stale)
+         .opt("aspect", self.aspect)
+         .opt("settings", self.settings)
+         .opt("projectId", self.projectId)
+         .opt("projectTitle", self.projectTitle);
+    }
 
     [[nodiscard]] static std::optional<RenderEntry> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
@@ -71,6 +110,21 @@ struct ReelShare {
     int views = 0;
     int hearts = 0;
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("token", self.token)
+         .req("url", self.url)
+         .req("projectId", self.projectId)
+         .req("renderId", self.renderId)
+         .opt("title", self.title)
+         .opt("description", self.description)
+         .opt("duration", self.duration)
+         .opt("created", self.created)
+         .req("views", self.views)
+         .req("hearts", self.hearts);
+    }
+
     [[nodiscard]] static std::optional<ReelShare> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const ReelShare &) const = default;
@@ -83,6 +137,13 @@ struct ReelShare {
 struct ShareCopySuggestion {
     QString title;
     std::optional<QString> description;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("title", self.title)
+         .opt("description", self.description);
+    }
 
     [[nodiscard]] static std::optional<ShareCopySuggestion> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
@@ -97,7 +158,17 @@ struct RenderRequest {
     double xfade = 0.2;  ///< seconds of cross-fade
     std::optional<QString> aspect;
 
-    /// Keys in the order the server reads them: track, beatSync, hud, xfade, aspect.
+    /// Keys in the order the server reads them.
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("track", self.track)
+         .opt("beatSync", self.beatSync)
+         .req("hud", self.hud)
+         .req("xfade", self.xfade)
+         .opt("aspect", self.aspect);
+    }
+
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const RenderRequest &) const = default;
 };

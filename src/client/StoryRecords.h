@@ -23,6 +23,16 @@ struct ReelItem {
     QString label;
     QUuid uid = QUuid::createUuid();
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.opt("flightId", self.flightId)
+         .opt("clipId", self.clipId)
+         .req("in", self.start)
+         .req("out", self.end)
+         .req("label", self.label);
+    }
+
     [[nodiscard]] static std::optional<ReelItem> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const ReelItem &) const = default;
@@ -34,6 +44,15 @@ struct Project {
     QString title;
     std::optional<QString> notes;
     QList<ReelItem> items;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("id", self.id)
+         .req("title", self.title)
+         .opt("notes", self.notes)
+         .req("items", self.items);
+    }
 
     [[nodiscard]] static std::optional<Project> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
@@ -47,6 +66,13 @@ struct ProjectSummary {
         std::optional<QString> flightId;
         std::optional<QString> clipId;
 
+        template <typename Self, typename Visitor>
+        static void fields(Self &self, Visitor &v)
+        {
+            v.opt("flightId", self.flightId)
+             .opt("clipId", self.clipId);
+        }
+
         [[nodiscard]] static std::optional<CoverRef> fromJson(const Wire::Json &j);
         [[nodiscard]] Wire::OrderedJson toJson() const;
         bool operator==(const CoverRef &) const = default;
@@ -58,6 +84,17 @@ struct ProjectSummary {
     std::optional<QString> created;  ///< ISO 8601
     std::optional<QString> updated;  ///< ISO 8601
     std::optional<CoverRef> cover;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("id", self.id)
+         .req("title", self.title)
+         .req("count", self.count)
+         .opt("created", self.created)
+         .opt("updated", self.updated)
+         .opt("cover", self.cover);
+    }
 
     [[nodiscard]] static std::optional<ProjectSummary> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
@@ -77,6 +114,18 @@ struct EDLItem {
     QString label;
     QString output;  ///< output file name
 
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("seq", self.seq)
+         .opt("flightId", self.flightId)
+         .opt("source", self.source)
+         .opt("in", self.start)
+         .opt("out", self.end)
+         .req("label", self.label)
+         .req("output", self.output);
+    }
+
     [[nodiscard]] static std::optional<EDLItem> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;
     bool operator==(const EDLItem &) const = default;
@@ -89,6 +138,16 @@ struct EDL {
     std::optional<QString> slug;
     QList<EDLItem> items;
     int count = 0;
+
+    template <typename Self, typename Visitor>
+    static void fields(Self &self, Visitor &v)
+    {
+        v.req("id", self.id)
+         .req("title", self.title)
+         .opt("slug", self.slug)
+         .req("items", self.items)
+         .req("count", self.count);
+    }
 
     [[nodiscard]] static std::optional<EDL> fromJson(const Wire::Json &j);
     [[nodiscard]] Wire::OrderedJson toJson() const;

@@ -143,6 +143,50 @@ void put(OrderedJson &object, const char *key, const std::optional<T> &value)
         object[key] = encode(*value);
 }
 
+/// Writes the keys of one object in the order they are visited.
+class ObjectWriter
+{
+public:
+    template <typename T>
+    ObjectWriter &req(const char *key, const T &value)
+    {
+        put(m_object, key, value);
+        return *this;
+    }
+    template <typename T>
+    ObjectWriter &opt(const char *key, const std::optional<T> &value)
+    {
+        put(m_object, key, value);
+        return *this;
+    }
+    [[nodiscard]] OrderedJson take() { return std::move(m_object); }
+
+private:
+    OrderedJson m_object = OrderedJson::object();
+};
+
+// A record lists its keys once, in `static void fields(Self &, Visitor &)`, calling
+// `req`/`opt` per key; the same list reads it (ObjectReader) and writes it (ObjectWriter).
+
+template <typename T>
+[[nodiscard]] std::optional<T> decodeFields(const Json &j)
+{
+    T value;
+    ObjectReader reader(j);
+    T::fields(value, reader);
+    if (!reader.ok())
+        return std::nullopt;
+    return value;
+}
+
+template <typename T>
+[[nodiscard]] OrderedJson encodeFields(const T &value)
+{
+    ObjectWriter writer;
+    T::fields(value, writer);
+    return writer.take();
+}
+
 /// The whole body as one record.
 template <Record T>
 [[nodiscard]] std::optional<T> decode(const QByteArray &body)

@@ -22,6 +22,8 @@ TEST(APIClientCore, TrailingSlashRuleAndAuthorizationOnEveryRequest)
 
     (void)run(twice.fetchMe());
     EXPECT_FALSE(server.last().has("Authorization"));
+    once.network()->clearConnectionCache();
+    twice.network()->clearConnectionCache();
 }
 
 TEST(APIClientCore, JudgesStatusBeforeBody)
@@ -47,6 +49,7 @@ TEST(APIClientCore, JudgesStatusBeforeBody)
 
     server.replyWith(200, "<html>not json</html>", "text/html");
     EXPECT_EQ(run(client.fetchMe()).failure().domain, APIError::decodeDomain);
+    client.network()->clearConnectionCache();  // the server needn't wait out a kept-alive connection
 }
 
 TEST(APIClientCore, DroppedConnectionIsATransportFailure)

@@ -2,6 +2,8 @@
 #include "CoroTest.h"
 #include "WireFixture.h"
 
+#include <thread>
+
 namespace {
 constexpr int timeout60 = 60000;
 
@@ -260,4 +262,28 @@ TEST_F(ClipEditTest, EveryFailureIsAPlainFalse)
         return reply;
     });
     EXPECT_FALSE(run(client.keepClip(poolClip("F1", "a", 1, 3))));
+}
+
+TEST_F(WireTest, ACallOutlivesItsClientAndCancelsOnRequest)
+{
+    server.setHandler([](const RecordingServer::Request &) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        RecordingServer::Reply reply;
+        reply.body = R"({"flights":[{"id":"A"}]})";
+        return reply;
+    });
+    // Sign-in replaces the client while a gallery load is in flight: the load still finishes.
+    auto dropped = std::make_unique<APIClient>(server.base(), std::nullopt);
+    auto pending = dropped->fetchManifest();
+    dropped.reset();
+    const auto flights = run(std::move(pending));
+    ASSERT_TRUE(flights.ok()) << flights.errorText().toStdString();
+    EXPECT_EQ(flights->size(), 1);
+
+    CancelToken token;
+    auto cancelled = client.fetchManifest(&token);
+    token.cancel();
+    const auto r = run(std::move(cancelled));
+    ASSERT_FALSE(r.ok());
+    EXPECT_EQ(r.failure().domain, APIError::networkDomain);
 }

@@ -9,7 +9,9 @@
 TEST_F(WireTest, MediaHeadersCarryTheClientsAuthorizationOrNothing)
 {
     EXPECT_EQ(client.mediaHeaders(), QStringList{QStringLiteral("Authorization: Bearer t0k")});
+    EXPECT_EQ(client.ffmpegHeaders(), QStringLiteral("Authorization: Bearer t0k\r\n"));
     EXPECT_TRUE(APIClient(server.base(), std::nullopt).mediaHeaders().isEmpty());
+    EXPECT_TRUE(APIClient(server.base(), std::nullopt).ffmpegHeaders().isEmpty());
 }
 
 TEST_F(WireTest, ProxyURLTakesTheLightFileOnlyWhenItExistsAndQualityIsNotForced)
@@ -139,7 +141,7 @@ TEST_F(DownloadTest, AFailedDownloadLeavesNothingUnderTheFinalName)
     EXPECT_EQ(leftovers(), before);
 
     server.clear();
-    for (const QString &bad : {"", "..", "../escape.mp4", "a/b.mp4"}) {
+    for (const QString &bad : QStringList{"", "..", "../escape.mp4", "a/b.mp4"}) {
         r = run(client.downloadToTemporary("x.mp4", bad));
         ASSERT_FALSE(r.ok()) << bad.toStdString();
         EXPECT_EQ(r.failure().code, APIError::badFileName);

@@ -129,6 +129,11 @@ TEST(Records, FlightHelpers)
 
     f.date = "2026-05-01T18:30:00Z";  // not the form flights carry
     EXPECT_EQ(f.dateText(), "Unknown date");
+    for (const char *bad : {"2026-02-30T10:00:00", "2026-05-01T24:00:00", "2026-05-01 18:30:00", " 2026-05-01T18:30:00",
+                            "2026-5-01T18:30:00", "2026-05-01T18:30:0x", "+026-05-01T18:30:00"}) {
+        f.date = bad;
+        EXPECT_FALSE(f.parsedDate()) << bad;
+    }
     f.date = "2026-05-01T18:30:00";
     ASSERT_TRUE(f.parsedDate());
     EXPECT_EQ(f.parsedDate()->time().hour(), 18);  // the flight's local clock, not shifted
