@@ -55,6 +55,8 @@ int main(int argc, char **argv)
             char id[32];
             std::snprintf(id, sizeof id, "20240101_%06d_%04d", i % 240000, i % 10000);
             index.put({id, FlightCheck::manifestEntry(id, meta, false).dump(), "DJI_0001", 1000000, false, std::nullopt});
+            // A record without its folder would be dropped at start as the remains of a delete.
+            std::filesystem::create_directories(library->flight(id));
         }
         db.value()->exec("COMMIT");
     }

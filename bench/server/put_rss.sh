@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Peak memory of aeroloom-server while it takes one large PUT (default 2 GB), against the
-# baseline of the same server started and asked one small request, in this same run.
+# Peak memory of aeroloom-server while it takes one large PUT (default 2 GB), commits it and
+# serves it back, against the baseline of the same server started and asked one small request,
+# in this same run.
 #   bash bench/server/put_rss.sh [build] [bytes]
 set -euo pipefail
 build=${1:-build}
@@ -38,11 +39,20 @@ large() {
   end=$(date +%s.%N)
   echo "PUT of $size bytes took $(echo "$end - $start" | bc) s: $(cat "$work/put.reply")" >&2
   rm -f "$work/body"
+  # Then commit it and read it back whole, so the same peak covers serving the file too.
+  printf '%s' '{"meta":{"model":"DJI","duration":1,"samples":0,"bounds":null,"centroid":null,"relAlt":null,'\
+'"maxSpeed":0,"pathLength":0,"source":"DJI_0007.MP4"},"track":[]}' >"$work/flight.json"
+  curl -sf -o /dev/null -T "$work/flight.json" "$1/api/flights/20240102_030405_0007/files/flight.json"
+  curl -sf -o /dev/null -X POST "$1/api/flights/20240102_030405_0007/commit"
+  start=$(date +%s.%N)
+  got=$(curl -sf -o /dev/null -w '%{size_download}' "$1/flights/20240102_030405_0007/proxy.mp4")
+  end=$(date +%s.%N)
+  echo "GET of the committed proxy ($got bytes) took $(echo "$end - $start" | bc) s" >&2
 }
 
 idle=$(measure idle small)
 busy=$(measure busy large)
 echo "peak RSS, idle server with one request: $((idle / 1024)) MB"
-echo "peak RSS, server taking a $((size / 1000000)) MB PUT: $((busy / 1024)) MB"
+echo "peak RSS, server taking a $((size / 1000000)) MB PUT and serving it back: $((busy / 1024)) MB"
 echo "ratio: $(echo "scale=2; $busy / $idle" | bc)"
 if [ "$busy" -lt $((64 * 1024)) ]; then echo "under 64 MB: yes"; else echo "under 64 MB: NO"; exit 1; fi

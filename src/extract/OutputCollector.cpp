@@ -1,5 +1,7 @@
 #include "OutputCollector.h"
 
+#include "LineBreaks.h"
+
 #include <QStringDecoder>
 
 namespace {
@@ -27,14 +29,7 @@ void OutputCollector::addOutput(const QByteArray &bytes)
             return;
         if (const auto text = decodeUtf8(bytes)) {
             m_lineBuf.append(*text);
-            qsizetype start = 0;
-            for (qsizetype i = 0; i < m_lineBuf.size(); ++i) {
-                if (m_lineBuf.at(i) != QLatin1Char('\n') || (i > 0 && m_lineBuf.at(i - 1) == QLatin1Char('\r')))
-                    continue;
-                lines.append(m_lineBuf.mid(start, i - start));
-                start = i + 1;
-            }
-            m_lineBuf.remove(0, start);
+            cutLines(m_lineBuf, m_scanned, [&lines](QString line) { lines.append(std::move(line)); });
         }
     }
     for (const QString &line : lines)

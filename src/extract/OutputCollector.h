@@ -33,5 +33,6 @@ private:
     QByteArray m_out;
     QByteArray m_err;
     QString m_lineBuf;
+    qsizetype m_scanned = 0;
     LineHandler m_onLine;
 };

@@ -45,10 +45,10 @@ namespace ProcessRunner {
 QCoro::Task<Result<ProcessResult>> run(QString tool, QStringList args, LineHandler onLine, CancelToken *token)
 {
     OutputCollector collector(std::move(onLine));
+    QTimer killTimer; // outlives the process, whose connections use it
     QProcess process;
     prepare(process, tool, args, collector);
 
-    QTimer killTimer;
     killTimer.setSingleShot(true);
     killTimer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&killTimer, &QTimer::timeout, &process, [&process] { process.kill(); });

@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <charconv>
+#include <cmath>
 #include <string>
 
 std::optional<double> strictNumber(QStringView text)
@@ -26,7 +27,8 @@ std::optional<double> strictNumber(QStringView text)
     }
     double value = 0;
     const auto [ptr, ec] = std::from_chars(begin, end, value);
-    if (ec != std::errc() || ptr != end)
+    // "inf" and "nan" parse, but no reading of ours can use them and flight.json cannot hold them.
+    if (ec != std::errc() || ptr != end || !std::isfinite(value))
         return std::nullopt;
     return value;
 }

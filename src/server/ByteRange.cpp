@@ -28,14 +28,14 @@ ByteRange ByteRange::resolve(const std::string &header, std::uint64_t size)
     const std::string h = trimmed(header);
     if (h.rfind("bytes=", 0) != 0)
         return whole;
-    const std::string spec = trimmed(h.substr(6));
-    if (spec.find(',') != std::string::npos)
+    const std::string ranges = trimmed(h.substr(6));
+    if (ranges.find(',') != std::string::npos)
         return whole;
-    const auto dash = spec.find('-');
+    const auto dash = ranges.find('-');
     if (dash == std::string::npos)
         return whole;
-    const std::string a = trimmed(spec.substr(0, dash));
-    const std::string b = trimmed(spec.substr(dash + 1));
+    const std::string a = trimmed(ranges.substr(0, dash));
+    const std::string b = trimmed(ranges.substr(dash + 1));
 
     if (a.empty()) {  // the last N bytes
         const auto n = number(b);

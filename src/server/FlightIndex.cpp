@@ -158,32 +158,25 @@ std::vector<std::string> FlightIndex::parkedIds()
 
 bool FlightIndex::park(const std::string &id)
 {
-    bool ok = false;
-    {
-        auto guard = m_db.lock();
-        m_db.exec("BEGIN");
-        ok = m_db.prepare("INSERT OR REPLACE INTO parked(id, entry, source, bytes, clips) "
-                          "SELECT id, entry, source, bytes, clips FROM flights WHERE id=? AND sample=1")
-                 .bind(1, id)
-                 .run()
-            && m_db.prepare("DELETE FROM flights WHERE id=?").bind(1, id).run();
-        m_db.exec(ok ? "COMMIT" : "ROLLBACK");
-    }
-    changed();
-    return ok;
+    return moveRow("INSERT OR REPLACE INTO parked(id, entry, source, bytes, clips) "
+                   "SELECT id, entry, source, bytes, clips FROM flights WHERE id=? AND sample=1",
+                   "DELETE FROM flights WHERE id=?", id);
 }
 
 bool FlightIndex::unpark(const std::string &id)
+{
+    return moveRow("INSERT INTO flights(id, entry, source, bytes, sample, clips, added) "
+                   "SELECT id, entry, source, bytes, 1, clips, datetime('now') FROM parked WHERE id=?",
+                   "DELETE FROM parked WHERE id=?", id);
+}
+
+bool FlightIndex::moveRow(const char *copy, const char *remove, const std::string &id)
 {
     bool ok = false;
     {
         auto guard = m_db.lock();
         m_db.exec("BEGIN");
-        ok = m_db.prepare("INSERT INTO flights(id, entry, source, bytes, sample, clips, added) "
-                          "SELECT id, entry, source, bytes, 1, clips, datetime('now') FROM parked WHERE id=?")
-                 .bind(1, id)
-                 .run()
-            && m_db.prepare("DELETE FROM parked WHERE id=?").bind(1, id).run();
+        ok = m_db.prepare(copy).bind(1, id).run() && m_db.prepare(remove).bind(1, id).run();
         m_db.exec(ok ? "COMMIT" : "ROLLBACK");
     }
     changed();

@@ -58,6 +58,8 @@ public:
 
 private:
     void changed();
+    /// Copies a row from one table to the other and deletes it from the first, in one step.
+    bool moveRow(const char *copy, const char *remove, const std::string &id);
 
     Database &m_db;
     std::mutex m_cacheMutex;

@@ -27,18 +27,6 @@ Result<Library> Library::open(const fs::path &root)
         if (ec)
             return libraryFailure(absolute, ec.message());
     }
-    // Leftovers of uploads cut short by a stop of the server.
-    for (const auto &entry : fs::directory_iterator(absolute / "tmp", ec))
-        fs::remove_all(entry.path(), ec);
-    // Staged uploads nobody came back for in a day: the client discards its failures, but a
-    // machine that died mid-upload can't, and staged bytes count against the quota.
-    const auto dayAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
-    for (const auto &entry : fs::directory_iterator(absolute / "staging", ec)) {
-        std::error_code timeError;
-        if (entry.last_write_time(timeError) < dayAgo && !timeError)
-            fs::remove_all(entry.path(), timeError);
-    }
-
     const fs::path probe = absolute / "tmp" / "write-probe";
     {
         std::ofstream out(probe);
@@ -48,6 +36,22 @@ Result<Library> Library::open(const fs::path &root)
     }
     fs::remove(probe, ec);
     return Library(absolute);
+}
+
+void Library::tidy() const
+{
+    std::error_code ec;
+    // Leftovers of uploads cut short by a stop of the server.
+    for (const auto &entry : fs::directory_iterator(tmp(), ec))
+        fs::remove_all(entry.path(), ec);
+    // Staged uploads nobody came back for in a day: the client discards its failures, but a
+    // machine that died mid-upload can't, and staged bytes count against the quota.
+    const auto dayAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
+    for (const auto &entry : fs::directory_iterator(m_root / "staging", ec)) {
+        std::error_code timeError;
+        if (entry.last_write_time(timeError) < dayAgo && !timeError)
+            fs::remove_all(entry.path(), timeError);
+    }
 }
 
 fs::path Library::tmpName(const std::string &suffix) const

@@ -19,6 +19,10 @@ public:
     /// Creates the folder and its parts when missing and proves it can be written.
     [[nodiscard]] static Result<Library> open(const std::filesystem::path &root);
 
+    /// Clears what a stopped server left half done: files in tmp/, and staged uploads nobody
+    /// came back for in a day. Only for the one server that owns the library.
+    void tidy() const;
+
     [[nodiscard]] const std::filesystem::path &root() const { return m_root; }
     [[nodiscard]] std::filesystem::path database() const { return m_root / "library.db"; }
     [[nodiscard]] std::filesystem::path flights() const { return m_root / "flights"; }

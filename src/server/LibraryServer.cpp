@@ -17,9 +17,13 @@
 
 #include <QString>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <regex>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
@@ -39,6 +43,14 @@ struct LibraryServer::Impl {
     httplib::Server http;
     std::thread thread;
     int port = 0;
+    int lockFd = -1;  ///< held while this server owns the library
+
+    void unlock()
+    {
+        if (lockFd >= 0)
+            ::close(lockFd);
+        lockFd = -1;
+    }
 
     void routes();
     void guard();
@@ -48,6 +60,9 @@ struct LibraryServer::Impl {
 namespace {
 /// Where a refused request with a body is sent to have its body read before the 401.
 constexpr const char *refusalPath = "/.refused";
+/// Where a PUT to a path that takes no upload is sent, to have its body dropped before the 404.
+constexpr const char *nowherePath = "/.nowhere";
+const std::regex uploadPath(R"(/api/flights/[^/]+/files/[^/]+)");
 constexpr std::uint64_t maxJsonBody = 16 * 1024 * 1024;
 
 bool withinJsonLimit(const httplib::Request &req)
@@ -89,6 +104,11 @@ void LibraryServer::Impl::guard()
             Reply::closeAfter(req);
             return httplib::Server::HandlerResponse::Handled;
         }
+        // httplib would read the body of a PUT to any other path into memory before its 404.
+        if (req.method == "PUT" && !std::regex_match(req.path, uploadPath)) {
+            const_cast<httplib::Request &>(req).path = nowherePath;
+            return httplib::Server::HandlerResponse::Unhandled;
+        }
         if (Routes::isPublic(req) || auth->identify(req))
             return httplib::Server::HandlerResponse::Unhandled;
         if (!Reply::hasBody(req)) {
@@ -108,6 +128,10 @@ void LibraryServer::Impl::guard()
     http.Put(refusalPath, [this](const httplib::Request &, httplib::Response &res, const httplib::ContentReader &reader) {
         reader([](const char *, std::size_t) { return true; });
         refuse(res);
+    });
+    http.Put(nowherePath, [](const httplib::Request &, httplib::Response &res, const httplib::ContentReader &reader) {
+        reader([](const char *, std::size_t) { return true; });
+        Reply::error(res, 404, "Not found");
     });
     // Routes answer their own failures with a detail; this fills in those httplib makes itself.
     http.set_error_handler([](const httplib::Request &, httplib::Response &res) {
@@ -152,6 +176,15 @@ Result<void> LibraryServer::open()
     if (!library)
         return library.failure();
     d->library.emplace(std::move(library).value());
+    // Two servers on one library would race over its folders: the second one stops here.
+    d->lockFd = ::open((d->library->root() / ".server.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (d->lockFd < 0 || ::flock(d->lockFd, LOCK_EX | LOCK_NB) != 0) {
+        d->unlock();
+        return Failure{QStringLiteral("server"), 5,
+                       QStringLiteral("The library %1 is already served by another aeroloom-server.")
+                           .arg(QString::fromStdString(d->library->root().string()))};
+    }
+    d->library->tidy();
     const bool fresh = !std::filesystem::exists(d->library->database());
     auto db = Database::open(d->library->database());
     if (!db)
@@ -159,6 +192,7 @@ Result<void> LibraryServer::open()
     d->db = std::move(db).value();
     d->flights = std::make_unique<FlightIndex>(*d->db);
     d->staging = std::make_unique<StagingArea>(*d->library, *d->flights, d->config.quota);
+    d->staging->recover();
     d->tokens = std::make_unique<TokenStore>(*d->db);
     d->auth = std::make_unique<Authenticator>(d->config, *d->tokens);
     d->device = std::make_unique<DeviceSignIn>(d->config, *d->library, *d->tokens);
@@ -166,13 +200,17 @@ Result<void> LibraryServer::open()
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
                                        *d->auth, *d->device, *d->music});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
-    if (fresh && d->config.samples && !d->db->setting("samplesMade")) {
+    // Without them (no ffmpeg, say) the library still serves: that is said, not fatal.
+    if (fresh && d->config.samples) {
         const auto made = SampleMaker::make(*d->library, *d->flights, d->staging->folderLock(),
                                              d->config.sampleSeconds);
-        if (!made)
-            return made.failure();
-        d->music->ensure();
-        d->db->setSetting("samplesMade", std::to_string(made.value()));
+        if (made) {
+            d->music->ensure();
+            d->db->setSetting("samplesMade", std::to_string(made.value()));
+        } else {
+            std::fprintf(stderr, "aeroloom-server: the sample flights could not be made: %s\n",
+                         qPrintable(made.errorText()));
+        }
     }
     return {};
 }
@@ -223,6 +261,7 @@ void LibraryServer::stop()
         d->http.stop();
         d->thread.join();
     }
+    d->unlock();
 }
 
 int LibraryServer::port() const
@@ -243,4 +282,15 @@ const ServerConfig &LibraryServer::config() const
 std::string LibraryServer::createToken(const std::string &email)
 {
     return d->tokens->create(email, "command line");
+}
+
+Result<std::string> LibraryServer::createToken(const std::filesystem::path &library, const std::string &email)
+{
+    auto opened = Library::open(library);
+    if (!opened)
+        return opened.failure();
+    auto db = Database::open(opened->database());
+    if (!db)
+        return db.failure();
+    return TokenStore(*db.value()).create(email, "command line");
 }

@@ -3,6 +3,8 @@
 #include "FlightCheck.h"
 
 #include <cstdio>
+#include <fstream>
+#include <vector>
 #ifdef __linux__
 #include <fcntl.h>
 #include <stdio.h>
@@ -36,10 +38,11 @@ QString sizeText(std::int64_t bytes)
     return QStringLiteral("%1 kB").arg((bytes + 999) / 1000);
 }
 
-std::string quotaDetail(std::int64_t needed, std::int64_t available, std::int64_t quota)
+/// The words after the client's own "Storage quota exceeded — ".
+std::string quotaDetail(const std::string &what, std::int64_t needed, std::int64_t available, std::int64_t quota)
 {
-    return QStringLiteral("this needs %1, and %2 of the library's %3 are free")
-        .arg(sizeText(needed), sizeText(available), sizeText(quota))
+    return QStringLiteral("%1 needs %2, and %3 of the library's %4 are free")
+        .arg(QString::fromStdString(what), sizeText(needed), sizeText(available), sizeText(quota))
         .toStdString();
 }
 
@@ -86,12 +89,13 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
                                           std::optional<std::int64_t> declaredLength, const BodyReader &read)
 {
     const std::int64_t limit = sizeLimit(name);
-    // Staged files of this same flight are being replaced, so they don't count against it.
+    // A staged copy of this same file, and the committed flight this upload will replace, are
+    // on their way out: they don't count against it.
     std::error_code ec;
     const auto previous = fs::file_size(m_library.staging(id) / name, ec);
-    const std::int64_t room = available() + (ec ? 0 : static_cast<std::int64_t>(previous));
+    const std::int64_t room = available(id) + (ec ? 0 : static_cast<std::int64_t>(previous));
     if (declaredLength && *declaredLength > room)
-        return {413, "Storage quota exceeded: " + quotaDetail(*declaredLength, room, m_quota)};
+        return {413, "Storage quota exceeded: " + quotaDetail(name, *declaredLength, room, m_quota)};
     if (declaredLength && *declaredLength > limit)
         return {413, name + " is too large"};
 
@@ -114,7 +118,8 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
             return true;
         written += static_cast<std::int64_t>(length);
         if (written > room)
-            return stop({413, "Storage quota exceeded: " + quotaDetail(declaredLength.value_or(written), room, m_quota)});
+            return stop({413, "Storage quota exceeded: "
+                                  + quotaDetail(name, declaredLength.value_or(written), room, m_quota)});
         if (written > limit)
             return stop({413, name + " is too large"});
         if (std::fwrite(data, 1, length, file.get()) != length)
@@ -125,7 +130,9 @@ StagingArea::Outcome StagingArea::receive(const std::string &id, const std::stri
     file.reset();
     if (!complete || !flushed || failure.status != 200 || (declaredLength && written != *declaredLength)) {
         fs::remove(part, ec);
-        if (failure.status == 200)
+        if (failure.status == 200 && !flushed)
+            failure = {507, "The server's disk is full"};
+        else if (failure.status == 200)
             failure = {400, "The upload of " + name + " ended early"};
         failure.bodyRead = complete;
         return failure;
@@ -159,17 +166,18 @@ StagingArea::Outcome StagingArea::commit(const std::string &id)
     if (m_quota > 0) {
         const std::int64_t free = m_quota - (m_index.usedBytes() - (existing ? existing->bytes : 0));
         if (bytes > free)
-            return {413, "Storage quota exceeded: " + quotaDetail(bytes, free, m_quota)};
+            return {413, quotaDetail("the flight", bytes, free, m_quota)};
     }
 
     const fs::path final = m_library.flight(id);
     FlightIndex::Row row{id,
                          FlightCheck::manifestEntry(id, *meta, fs::exists(stage / "proxy_480.mp4", ec)).dump(),
                          FlightCheck::sourceStem(*meta), bytes, false, std::nullopt};
-    // A flight sent again keeps the clips marked on it, unless the upload brings its own.
-    if (existing && !fs::exists(stage / "clips.json", ec)) {
+    // A flight sent again keeps the clips marked on it (an upload never brings clips.json).
+    if (existing && existing->clips) {
         fs::copy_file(final / "clips.json", stage / "clips.json", ec);
-        row.clips = existing->clips;
+        if (!ec)
+            row.clips = existing->clips;
     }
 
     const bool replacing = fs::exists(final, ec);
@@ -200,4 +208,35 @@ void StagingArea::discard(const std::string &id)
     std::error_code ec;
     if (fs::exists(m_library.staging(id), ec))
         m_library.removeFolder(m_library.staging(id));
+}
+
+void StagingArea::recover()
+{
+    std::lock_guard guard(m_folders);
+    std::error_code ec;
+    for (const auto &id : m_index.ids()) {
+        if (!fs::is_directory(m_library.flight(id), ec))
+            m_index.remove(id);
+    }
+    std::vector<fs::path> folders;
+    for (const auto &entry : fs::directory_iterator(m_library.flights(), ec))
+        folders.push_back(entry.path());
+    for (const auto &folder : folders) {
+        const std::string id = folder.filename().string();
+        if (m_index.exists(id))
+            continue;
+        const auto meta = FlightCheck::readMeta(folder / "flight.json");
+        if (!meta || !fs::exists(folder / "proxy.mp4", ec)) {
+            m_library.removeFolder(folder);
+            continue;
+        }
+        std::optional<std::string> clips;
+        if (std::ifstream in(folder / "clips.json", std::ios::binary); in) {
+            const auto doc = nlohmann::ordered_json::parse(in, nullptr, false);
+            if (doc.is_object())
+                clips = doc.dump();
+        }
+        m_index.put({id, FlightCheck::manifestEntry(id, *meta, fs::exists(folder / "proxy_480.mp4", ec)).dump(),
+                     FlightCheck::sourceStem(*meta), Library::folderBytes(folder), false, clips});
+    }
 }

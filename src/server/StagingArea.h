@@ -40,9 +40,14 @@ public:
                     const BodyReader &read);
     Outcome commit(const std::string &id);
     void discard(const std::string &id);
+    /// Brings the index and the flight folders back in step after the server was stopped
+    /// between the two steps of a commit or a delete: a folder without a record is recorded
+    /// when it is a whole flight and removed otherwise; a record without a folder is dropped.
+    void recover();
 
-    /// Bytes the library may still take; a large number when there is no quota.
-    [[nodiscard]] std::int64_t available(const std::string &replacingId = {});
+    /// Bytes the library may still take for flight `replacingId` (whose committed bytes are
+    /// about to be replaced); a large number when there is no quota.
+    [[nodiscard]] std::int64_t available(const std::string &replacingId);
     [[nodiscard]] std::int64_t quota() const { return m_quota; }
     [[nodiscard]] std::mutex &folderLock() { return m_folders; }
 

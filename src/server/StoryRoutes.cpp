@@ -35,27 +35,29 @@ std::string slugOf(const std::string &title)
     return slug;
 }
 
-/// Story items as the client decodes them: objects with numeric "in" and "out" and a "label";
-/// keys the server doesn't know are kept.
-std::optional<ordered_json> checkedItems(const ordered_json &body, std::string &why)
+/// The body of a create or save, with its items as the client decodes them: objects with
+/// numeric "in" and "out" and a "label" (keys the server doesn't know are kept). Answers 400 and
+/// gives nothing when the body won't do.
+std::optional<std::pair<ordered_json, ordered_json>> storyBody(const httplib::Request &req, httplib::Response &res)
 {
-    if (!body.contains("items"))
-        return ordered_json::array();
-    if (!body["items"].is_array()) {
-        why = "\"items\" must be a list";
+    auto body = Reply::object(req, res);
+    if (!body)
+        return std::nullopt;
+    ordered_json items = body->value("items", ordered_json::array());
+    if (!items.is_array()) {
+        Reply::error(res, 400, "\"items\" must be a list");
         return std::nullopt;
     }
-    ordered_json items = body["items"];
     for (auto &item : items) {
         if (!item.is_object() || !item.contains("in") || !item["in"].is_number() || !item.contains("out")
             || !item["out"].is_number()) {
-            why = "every item needs the numbers \"in\" and \"out\"";
+            Reply::error(res, 400, "every item needs the numbers \"in\" and \"out\"");
             return std::nullopt;
         }
         if (!item.contains("label") || !item["label"].is_string())
             item["label"] = "";
     }
-    return items;
+    return std::pair(std::move(*body), std::move(items));
 }
 
 struct Story {
@@ -70,6 +72,18 @@ std::optional<Story> load(Database &db, const std::string &id)
     if (!st.step())
         return std::nullopt;
     return Story{st.text(0), st.text(1), st.text(2), st.text(3), st.text(4), st.text(5)};
+}
+
+/// The story named in the path; answers 400 or 404 and gives nothing when there is none.
+std::optional<Story> found(Database &db, const httplib::Request &req, httplib::Response &res)
+{
+    const auto id = Reply::id(req, res);
+    if (!id)
+        return std::nullopt;
+    auto story = load(db, *id);
+    if (!story)
+        Reply::error(res, 404, "There is no story " + *id);
+    return story;
 }
 
 ordered_json projectJson(const Story &story)
@@ -138,15 +152,12 @@ void addCollection(httplib::Server &server, ServerContext &ctx)
     });
 
     server.Post("/api/projects", [&ctx](const httplib::Request &req, httplib::Response &res) {
-        const auto body = Reply::object(req, res);
-        if (!body)
+        const auto parsed = storyBody(req, res);
+        if (!parsed)
             return;
-        std::string why;
-        const auto items = checkedItems(*body, why);
-        if (!items)
-            return Reply::error(res, 400, why);
-        Story story{TokenStore::randomSecret().substr(0, 12), body->value("title", std::string()),
-                    body->value("notes", std::string()), items->dump(), nowText(), nowText()};
+        const auto &[body, items] = *parsed;
+        Story story{TokenStore::randomSecret().substr(0, 12), body.value("title", std::string()),
+                    body.value("notes", std::string()), items.dump(), nowText(), nowText()};
         if (story.title.empty())
             story.title = "Untitled story";
         auto guard = ctx.db.lock();
@@ -161,61 +172,43 @@ void addCollection(httplib::Server &server, ServerContext &ctx)
 void addItem(httplib::Server &server, ServerContext &ctx)
 {
     server.Get("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
-        const auto id = Reply::id(req, res);
-        if (!id)
-            return;
-        const auto story = load(ctx.db, *id);
-        if (!story)
-            return Reply::error(res, 404, "There is no story " + *id);
-        Reply::json(res, projectJson(*story));
+        if (const auto story = found(ctx.db, req, res))
+            Reply::json(res, projectJson(*story));
     });
 
     server.Post("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
-        const auto id = Reply::id(req, res);
-        if (!id)
+        const auto parsed = storyBody(req, res);
+        if (!parsed)
             return;
-        const auto body = Reply::object(req, res);
-        if (!body)
-            return;
-        std::string why;
-        const auto items = checkedItems(*body, why);
-        if (!items)
-            return Reply::error(res, 400, why);
+        const auto &[body, items] = *parsed;
         auto guard = ctx.db.lock();
-        auto story = load(ctx.db, *id);
+        auto story = found(ctx.db, req, res);
         if (!story)
-            return Reply::error(res, 404, "There is no story " + *id);
-        if (body->contains("title") && (*body)["title"].is_string())
-            story->title = (*body)["title"];
-        if (body->contains("notes") && (*body)["notes"].is_string())
-            story->notes = (*body)["notes"];
-        if (body->contains("items"))
-            story->items = items->dump();
+            return;
+        if (body.contains("title") && body["title"].is_string())
+            story->title = body["title"];
+        if (body.contains("notes") && body["notes"].is_string())
+            story->notes = body["notes"];
+        if (body.contains("items"))
+            story->items = items.dump();
         ctx.db.prepare("UPDATE projects SET title=?, notes=?, items=?, updated=? WHERE id=?")
-            .bind(1, story->title).bind(2, story->notes).bind(3, story->items).bind(4, nowText()).bind(5, *id)
+            .bind(1, story->title).bind(2, story->notes).bind(3, story->items).bind(4, nowText()).bind(5, story->id)
             .run();
-        Reply::json(res, {{"saved", *id}});
+        Reply::json(res, {{"saved", story->id}});
     });
 
     server.Delete("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
-        const auto id = Reply::id(req, res);
-        if (!id)
-            return;
         auto guard = ctx.db.lock();
-        if (!load(ctx.db, *id))
-            return Reply::error(res, 404, "There is no story " + *id);
-        ctx.db.prepare("DELETE FROM projects WHERE id=?").bind(1, *id).run();
-        Reply::json(res, {{"deleted", *id}});
+        const auto story = found(ctx.db, req, res);
+        if (!story)
+            return;
+        ctx.db.prepare("DELETE FROM projects WHERE id=?").bind(1, story->id).run();
+        Reply::json(res, {{"deleted", story->id}});
     });
 
     server.Get("/api/projects/([^/]+)/edl", [&ctx](const httplib::Request &req, httplib::Response &res) {
-        const auto id = Reply::id(req, res);
-        if (!id)
-            return;
-        const auto story = load(ctx.db, *id);
-        if (!story)
-            return Reply::error(res, 404, "There is no story " + *id);
-        Reply::json(res, edlJson(*story, ctx.flights));
+        if (const auto story = found(ctx.db, req, res))
+            Reply::json(res, edlJson(*story, ctx.flights));
     });
 }
 } // namespace

@@ -29,18 +29,20 @@ int main(int argc, char **argv)
     sigaddset(&stopSignals, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
 
-    ServerConfig config = parsed->config;
-    const bool tokenOnly = parsed->command == CommandLine::Command::CreateToken;
-    if (tokenOnly)
-        config.samples = false;
+    const ServerConfig &config = parsed->config;
+    if (parsed->command == CommandLine::Command::CreateToken) {
+        const auto token = LibraryServer::createToken(config.library, parsed->email);
+        if (!token) {
+            std::fprintf(stderr, "aeroloom-server: %s\n", qPrintable(token.errorText()));
+            return 1;
+        }
+        std::printf("%s\n", token->c_str());
+        return 0;
+    }
     LibraryServer server(config);
     if (const auto opened = server.open(); !opened) {
         std::fprintf(stderr, "aeroloom-server: %s\n", qPrintable(opened.errorText()));
         return 1;
-    }
-    if (tokenOnly) {
-        std::printf("%s\n", server.createToken(parsed->email).c_str());
-        return 0;
     }
     const auto port = server.start();
     if (!port) {

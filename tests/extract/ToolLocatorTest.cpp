@@ -1,4 +1,5 @@
 #include "ExifToolCommand.h"
+#include "TestTools.h"
 #include "ToolLocator.h"
 
 #include <CoroTest.h>
@@ -11,42 +12,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-namespace {
-
-/// Sets an environment variable for one scope and puts the old state back.
-class ScopedEnv
-{
-public:
-    ScopedEnv(const char *key, const QString &value) : m_key(key), m_had(qEnvironmentVariableIsSet(key)), m_old(qgetenv(key))
-    {
-        qputenv(key, value.toUtf8());
-    }
-    ~ScopedEnv()
-    {
-        if (m_had)
-            qputenv(m_key, m_old);
-        else
-            qunsetenv(m_key);
-    }
-
-private:
-    const char *m_key;
-    bool m_had;
-    QByteArray m_old;
-};
-
-QString writeScript(const QTemporaryDir &dir, const QString &name, const QByteArray &body)
-{
-    const QString path = dir.filePath(name);
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("#!/bin/sh\n" + body);
-    file.close();
-    file.setPermissions(file.permissions() | QFileDevice::ExeOwner);
-    return path;
-}
-
-} // namespace
 
 TEST(ToolLocator, FindsTheSystemToolsAndOurOwnExifTool)
 {
@@ -73,7 +38,7 @@ TEST(ToolLocator, EnvironmentWinsUncheckedAndPreflightSaysWhatFails)
 {
     QTemporaryDir dir;
     const QString missing = dir.filePath(QStringLiteral("no-ffmpeg"));
-    const QString brokenExif = writeScript(dir, QStringLiteral("exiftool"), "echo \"Can't locate Image/ExifTool.pm\" >&2; exit 2\n");
+    const QString brokenExif = writeScript(dir.filePath(QStringLiteral("exiftool")), "echo \"Can't locate Image/ExifTool.pm\" >&2; exit 2\n");
     ScopedEnv ffmpeg(ToolLocator::ffmpegEnv, missing);
     ScopedEnv exif(ToolLocator::exiftoolEnv, brokenExif);
 
@@ -100,9 +65,9 @@ TEST(ToolLocator, EnvironmentWinsUncheckedAndPreflightSaysWhatFails)
 TEST(ToolLocator, VersionIsTrimmedAndEmptyWhenNotUtf8)
 {
     QTemporaryDir dir;
-    const QString good = writeScript(dir, QStringLiteral("good"), "printf ' 12.57\\r\\n\\n'\n");
+    const QString good = writeScript(dir.filePath(QStringLiteral("good")), "printf ' 12.57\\r\\n\\n'\n");
     EXPECT_EQ(*run(exifToolVersion(ToolLocator::ExifTool{good, std::nullopt})), QStringLiteral("12.57"));
-    const QString garbled = writeScript(dir, QStringLiteral("garbled"), "printf '\\377\\376'\n");
+    const QString garbled = writeScript(dir.filePath(QStringLiteral("garbled")), "printf '\\377\\376'\n");
     const auto v = run(exifToolVersion(ToolLocator::ExifTool{garbled, std::nullopt}));
     ASSERT_TRUE(v.ok());
     EXPECT_TRUE(v->isEmpty());

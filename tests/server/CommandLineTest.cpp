@@ -69,6 +69,19 @@ TEST(Executable, APortInUseIsSaidPlainly)
     EXPECT_NE(run.err.find("is already in use"), std::string::npos) << run.err;
 }
 
+TEST(Executable, ALibraryServedAlreadyIsSaidPlainly)
+{
+    TestServer first;
+    const auto run = runServer({QStringLiteral("--library"), QString::fromStdString(first.library().string()),
+                                QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0")});
+    EXPECT_EQ(run.code, 1);
+    EXPECT_NE(run.err.find("is already served by another aeroloom-server"), std::string::npos) << run.err;
+    // A token can still be made for it while it is served, and works at once.
+    const auto token = runServer({QStringLiteral("--library"), QString::fromStdString(first.library().string()),
+                                  QStringLiteral("token"), QStringLiteral("create")});
+    EXPECT_EQ(token.code, 0) << token.err;
+}
+
 TEST(Executable, AnUnwritableLibraryIsSaidPlainly)
 {
     QTemporaryDir dir;

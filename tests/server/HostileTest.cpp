@@ -267,6 +267,8 @@ TEST(Hostile, ARefusedUploadLeavesTheNextRequestOnTheConnectionIntact)
                   ->status,
               413);
     EXPECT_EQ(client->Get("/api/hidden")->status, 200);
+    EXPECT_EQ(client->Put("/api/flights/x/y/z", body, "application/octet-stream")->status, 404);
+    EXPECT_EQ(client->Get("/api/hidden")->status, 200);
     EXPECT_EQ(client->Put((path + "thumb.jpg").c_str(), body, "application/octet-stream")->status, 200);
     EXPECT_EQ(client->Get("/api/hidden")->status, 200);
 }

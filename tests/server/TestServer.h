@@ -14,7 +14,8 @@
 #include <string>
 
 /// @brief A real library server for a test: in-process, on a free loopback port, with a
-/// temporary library (without samples unless asked) that is deleted afterwards.
+/// temporary library (without samples unless asked) that is deleted afterwards. Tests of other
+/// folders link `aeroloom_servertest` to use it.
 ///
 ///   TestServer server;                                  // auth none, no samples
 ///   TestServer server([](ServerConfig &c) { c.auth = AuthMode::Token; });

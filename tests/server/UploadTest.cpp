@@ -136,7 +136,8 @@ TEST_F(Upload, CommitOverTheQuotaIsRefusedWithADetail)
     httplib::Client again(smaller.baseUrl());
     const auto commit = again.Post(("/api/flights/" + flightId + "/commit").c_str());
     EXPECT_EQ(commit->status, 413);
-    EXPECT_TRUE(jsonOf(commit)["detail"].is_string());
+    // The client puts "Storage quota exceeded — " before the detail itself.
+    EXPECT_EQ(jsonOf(commit)["detail"].get<std::string>().rfind("the flight needs ", 0), 0u) << commit->body;
     EXPECT_EQ(jsonOf(again.Get("/manifest.json"))["flights"].size(), 0u);
 }
 
@@ -210,4 +211,29 @@ TEST_F(Upload, StagingForgottenForADayIsClearedAtStart)
     ASSERT_TRUE(again.start());
     EXPECT_FALSE(fs::exists(server.library() / "staging" / "old"));
     EXPECT_TRUE(fs::exists(server.library() / "staging" / "recent" / "thumb.jpg"));
+}
+
+TEST_F(Upload, AStartAfterAnInterruptedCommitOrDeleteSetsTheListRight)
+{
+    TestServer server;
+    auto client = server.client();
+    ASSERT_EQ(uploadFlight(*client, flightId, *folder)->status, 200);
+    ASSERT_EQ(client->Post(("/api/clips/" + flightId).c_str(), R"({"clips":[{"id":"c","in":0,"out":1,"label":""}]})",
+                           "application/json")->status,
+              200);
+    server.server().stop();
+    // As if the server stopped between the steps: a whole flight that was never recorded, a
+    // half one, and a record whose folder is gone.
+    const fs::path flights = server.library() / "flights";
+    fs::rename(flights / flightId, flights / "unrecorded");
+    fs::create_directories(flights / "half");
+    writeFile(flights / "half" / "flight.json", "{\"meta\":");
+
+    LibraryServer again(server.server().config());
+    ASSERT_TRUE(again.start());
+    httplib::Client second(again.baseUrl());
+    EXPECT_EQ(jsonOf(second.Get("/api/flights"))["ids"], nlohmann::json::array({"unrecorded"}));
+    EXPECT_FALSE(fs::exists(flights / "half"));
+    EXPECT_EQ(jsonOf(second.Get("/api/clips"))["clips"].size(), 1u);
+    EXPECT_EQ(jsonOf(second.Get("/manifest.json"))["flights"][0]["place"], "Test Field");
 }
