@@ -1,5 +1,7 @@
 #include "FileOpenRouter.h"
 
+#include "AppModel.h"
+
 #include <QDir>
 
 void FileOpenRouter::open(const QList<QUrl> &urls)
@@ -8,6 +10,7 @@ void FileOpenRouter::open(const QList<QUrl> &urls)
         return;
     m_pending += urls;
     Q_EMIT pendingChanged();
+    check();
 }
 
 void FileOpenRouter::openArguments(const QStringList &arguments)
@@ -29,4 +32,20 @@ QList<QUrl> FileOpenRouter::take()
     if (!taken.isEmpty())
         Q_EMIT pendingChanged();
     return taken;
+}
+
+void FileOpenRouter::follow(const AppModel *app)
+{
+    if (m_app)
+        disconnect(m_app, nullptr, this, nullptr);
+    m_app = app;
+    if (app)
+        connect(app, &AppModel::loggedInChanged, this, &FileOpenRouter::check);
+    check();
+}
+
+void FileOpenRouter::check()
+{
+    if (m_app && m_app->loggedIn() && hasPending())
+        Q_EMIT importWanted();
 }

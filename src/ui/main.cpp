@@ -66,6 +66,7 @@ int main(int argc, char *argv[])
     // The session is decided before the first window shows, so no window flashes the wrong
     // screen; a keyring that doesn't answer gives up after its timeout.
     QCoro::waitFor(appModel.start());
+    router.follow(&appModel);
 
     registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images});
 

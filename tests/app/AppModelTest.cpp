@@ -29,7 +29,7 @@ TEST(AppModelStart, SignedOutWithNothingStored)
 TEST(AppModelStart, EnvironmentOverridesWinAndAreNotStored)
 {
     RecordingServer server;
-    server.replyWith(200, R"({"id":1,"email":"env@x.org","admin":false,"plan":"pro"})");
+    replyClosing(server, 200, R"({"id":1,"email":"env@x.org","admin":false,"plan":"pro"})");
     IsolatedPrefs p;
     MemoryCredentialStore creds;
     (void)creds.write("token", QStringLiteral("stored-token"));
@@ -69,7 +69,7 @@ TEST(AppModelStart, EnvironmentOverridesWinAndAreNotStored)
 TEST(AppModelStart, StoredCredentialsPickTheirHeader)
 {
     RecordingServer server;
-    server.replyWith(401, "{}");
+    replyClosing(server, 401, "{}");
     IsolatedPrefs p;
     MemoryCredentialStore creds;
     p.prefs->setValue("base", server.base() + "/");
@@ -106,7 +106,7 @@ TEST(AppModelStart, StoredCredentialsPickTheirHeader)
 TEST(AppModelSession, SignInRemovesTheOtherKindOfSecret)
 {
     RecordingServer server;
-    server.replyWith(500, "down", "text/plain");
+    replyClosing(server, 500, "down", "text/plain");
     IsolatedPrefs p;
     MemoryCredentialStore creds;
     AppModel app(*p.prefs, creds, envWith({}));
@@ -148,7 +148,7 @@ TEST(AppModelSession, SignInRemovesTheOtherKindOfSecret)
 TEST(AppModelSession, SignOutForgetsEverythingButKeepsTheClient)
 {
     RecordingServer server;
-    server.replyWith(200, R"({"id":3,"email":"me@x.org","admin":false,"plan":"free"})");
+    replyClosing(server, 200, R"({"id":3,"email":"me@x.org","admin":false,"plan":"free"})");
     IsolatedPrefs p;
     MemoryCredentialStore creds;
     AppModel app(*p.prefs, creds, envWith({}));
@@ -191,7 +191,7 @@ TEST(AppModelBadInput, GarbageBaseAndNonJsonAccountStillStart)
     }
 
     RecordingServer server;
-    server.replyWith(200, "<html>captive portal</html>", "text/html");
+    replyClosing(server, 200, "<html>captive portal</html>", "text/html");
     p.prefs->setValue("base", server.base());
     AppModel app(*p.prefs, creds, envWith({}));
     QSignalSpy refreshed(&app, &AppModel::accountRefreshed);

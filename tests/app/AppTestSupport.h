@@ -2,6 +2,7 @@
 
 #include "AppModel.h"
 #include "Preferences.h"
+#include "RecordingServer.h"
 
 #include <QProcessEnvironment>
 #include <QSignalSpy>
@@ -40,4 +41,19 @@ inline bool waitForRefresh(AppModel &app, QSignalSpy &spy, int count = 1)
     }
     (void)app;
     return true;
+}
+
+/// The same reply to every request, closing the connection after it: the program keeps its
+/// connections open, and the server would otherwise wait out their keep-alive when it stops.
+inline void replyClosing(RecordingServer &server, int status, QByteArray body,
+                         QByteArray contentType = "application/json")
+{
+    server.setHandler([=](const RecordingServer::Request &) {
+        RecordingServer::Reply reply;
+        reply.status = status;
+        reply.body = body;
+        reply.contentType = contentType;
+        reply.headers.insert("Connection", "close");
+        return reply;
+    });
 }

@@ -110,6 +110,7 @@ TEST_F(LoginFixture, MailSignInWaitsForTheLinkAndDropsTheTrailingSlash)
     std::atomic<int> polls{0};
     server.setHandler([&](const RecordingServer::Request &r) {
         RecordingServer::Reply reply;
+        reply.headers.insert("Connection", "close");
         if (r.target.endsWith("/request"))
             reply.body = R"({"secret":"sec"})";
         else
@@ -142,7 +143,7 @@ TEST_F(LoginFixture, MailSignInWaitsForTheLinkAndDropsTheTrailingSlash)
 TEST_F(LoginFixture, MailSignInFailuresLandInErrorAndCancelLeavesNone)
 {
     RecordingServer server;
-    server.replyWith(404, "no", "text/plain");
+    replyClosing(server, 404, "no", "text/plain");
     open();
     vm->setBase(server.base());
     vm->setEmail("a@b");
@@ -161,6 +162,7 @@ TEST_F(LoginFixture, MailSignInFailuresLandInErrorAndCancelLeavesNone)
 
     server.setHandler([](const RecordingServer::Request &r) {
         RecordingServer::Reply reply;
+        reply.headers.insert("Connection", "close");
         reply.body = r.target.endsWith("/request") ? R"({"secret":"s"})" : R"({"status":"pending"})";
         return reply;
     });

@@ -16,7 +16,6 @@ Button {
         color: button.primary ? (button.enabled ? Theme.accentText : Theme.textMuted) : Theme.text
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
-        elide: Text.ElideRight
     }
     background: Rectangle {
         radius: 10

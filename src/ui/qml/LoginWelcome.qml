@@ -38,28 +38,20 @@ Item {
         }
     }
 
-    // Low sun with its glow.
-    Rectangle {
-        x: welcome.w * 0.70 - width / 2
-        y: welcome.h * 0.70 - height / 2
-        width: welcome.w * 0.55
-        height: width
-        radius: width / 2
-        opacity: 0.18
-        gradient: Gradient {
-            GradientStop { position: 0.0; color: "transparent" }
-            GradientStop { position: 0.5; color: Theme.warm }
-            GradientStop { position: 1.0; color: "transparent" }
+    // Low sun over the ridge, with a soft glow of stacked discs.
+    Repeater {
+        model: 9
+        delegate: Rectangle {
+            required property int index
+            readonly property real size: welcome.w * (0.13 + index * 0.035)
+            x: welcome.w * 0.66 - size / 2
+            y: welcome.h * 0.64 - size / 2
+            width: size
+            height: size
+            radius: size / 2
+            color: index === 0 ? Qt.lighter(Theme.warm, 1.35) : Theme.warm
+            opacity: index === 0 ? 0.95 : 0.075 - index * 0.006
         }
-    }
-    Rectangle {
-        x: welcome.w * 0.70 - width / 2
-        y: welcome.h * 0.70 - height / 2
-        width: welcome.w * 0.16
-        height: width
-        radius: width / 2
-        color: Qt.lighter(Theme.warm, 1.3)
-        opacity: 0.92
     }
 
     // Far ridge.
@@ -67,7 +59,7 @@ Item {
         anchors.fill: parent
         ShapePath {
             strokeColor: "transparent"
-            fillColor: Qt.rgba(0.16, 0.20, 0.38, Theme.dark ? 0.85 : 0.55)
+            fillColor: Theme.dark ? Qt.rgba(0.13, 0.17, 0.34, 0.92) : Qt.rgba(0.29, 0.42, 0.62, 0.85)
             startX: 0; startY: welcome.h * 0.70
             PathQuad { x: welcome.w * 0.28; y: welcome.h * 0.62; controlX: welcome.w * 0.14; controlY: welcome.h * 0.58 }
             PathQuad { x: welcome.w * 0.55; y: welcome.h * 0.71; controlX: welcome.w * 0.42; controlY: welcome.h * 0.68 }
@@ -101,7 +93,7 @@ Item {
         width: welcome.w
         height: welcome.h * 0.21
         gradient: Gradient {
-            GradientStop { position: 0.0; color: Qt.darker(Theme.heroBottom, Theme.dark ? 1.9 : 1.25) }
+            GradientStop { position: 0.0; color: Theme.dark ? "#1C2750" : "#6F93C2" }
             GradientStop { position: 1.0; color: Theme.dark ? "#070D1C" : "#2B4C7A" }
         }
     }
@@ -109,13 +101,13 @@ Item {
         model: 9
         delegate: Rectangle {
             required property int index
-            x: welcome.w * (0.50 + ((index * 37) % 30) / 100) - width / 2
+            x: welcome.w * (0.66 + (((index * 37) % 9) - 4) / 100) - width / 2
             y: welcome.h * (0.81 + index * 0.018)
             width: welcome.w * (0.20 - index * 0.016)
             height: 2
             radius: 1
             color: Theme.warm
-            opacity: 0.45 - index * 0.04
+            opacity: 0.7 - index * 0.07
         }
     }
 
@@ -129,17 +121,17 @@ Item {
             dashPattern: [4, 4]
             fillColor: "transparent"
             capStyle: ShapePath.RoundCap
-            startX: welcome.w * 0.10; startY: welcome.h * 0.90
+            startX: welcome.w * 0.16; startY: welcome.h * 0.745
             PathCubic {
-                x: welcome.w * 0.78; y: welcome.h * 0.30
-                control1X: welcome.w * 0.40; control1Y: welcome.h * 0.95
-                control2X: welcome.w * 0.30; control2Y: welcome.h * 0.32
+                x: welcome.w * 0.78; y: welcome.h * 0.26
+                control1X: welcome.w * 0.46; control1Y: welcome.h * 0.80
+                control2X: welcome.w * 0.36; control2Y: welcome.h * 0.26
             }
         }
     }
     Rectangle {
-        x: welcome.w * 0.10 - width / 2
-        y: welcome.h * 0.90 - height / 2
+        x: welcome.w * 0.16 - width / 2
+        y: welcome.h * 0.745 - height / 2
         width: 10; height: 10; radius: 5
         color: "transparent"
         border.color: "white"
@@ -147,7 +139,7 @@ Item {
     }
     Item {
         x: welcome.w * 0.78
-        y: welcome.h * 0.30
+        y: welcome.h * 0.26
         Rectangle { anchors.centerIn: parent; width: 44; height: 44; radius: 22; color: "white"; opacity: 0.12 }
         Rectangle { anchors.centerIn: parent; width: 24; height: 24; radius: 12; color: "white"; opacity: 0.25 }
         Rectangle { anchors.centerIn: parent; width: 12; height: 12; radius: 6; color: "white" }

@@ -2,6 +2,7 @@
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
+import QtQuick.Shapes
 import Aeroloom.Services
 
 Item {
@@ -36,7 +37,19 @@ Item {
                             GradientStop { position: 0; color: "#46B8FF" }
                             GradientStop { position: 1; color: "#2A6BE0" }
                         }
-                        Text { anchors.centerIn: parent; text: "⌃"; color: "white"; font.pixelSize: 16; font.weight: Font.Bold }
+                        Shape {
+                            anchors.fill: parent
+                            ShapePath {
+                                strokeColor: "white"
+                                strokeWidth: 2.2
+                                fillColor: "transparent"
+                                capStyle: ShapePath.RoundCap
+                                joinStyle: ShapePath.RoundJoin
+                                startX: 7; startY: 16
+                                PathLine { x: 13; y: 9.5 }
+                                PathLine { x: 19; y: 16 }
+                            }
+                        }
                     }
                     Text {
                         anchors.verticalCenter: parent.verticalCenter

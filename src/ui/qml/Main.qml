@@ -76,9 +76,10 @@ ThemedWindow {
     CutWindow { id: cutWindow }
     SettingsWindow { id: settingsWindow }
 
-    // Files handed to the program open the import window once somebody is signed in; until
-    // then they wait.
-    readonly property bool routeFiles: FileRouter.hasPending && App.loggedIn
-    onRouteFilesChanged: if (routeFiles) importWindow.open()
-    Component.onCompleted: if (routeFiles) importWindow.open()
+    // Files handed to the program open the import window once somebody is signed in.
+    Connections {
+        target: FileRouter
+        function onImportWanted() { importWindow.open() }
+    }
+    Component.onCompleted: FileRouter.check()
 }

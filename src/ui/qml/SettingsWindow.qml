@@ -79,6 +79,9 @@ ThemedWindow {
                 AeroButton {
                     primary: false
                     implicitHeight: 34
+                    font.pixelSize: 13
+                    leftPadding: 16
+                    rightPadding: 16
                     text: "Open Account on the Web…"
                     onClicked: Qt.openUrlExternally(App.baseString + "/settings.html")
                 }
@@ -87,6 +90,9 @@ ThemedWindow {
                     Layout.columnSpan: 2
                     primary: false
                     implicitHeight: 34
+                    font.pixelSize: 13
+                    leftPadding: 16
+                    rightPadding: 16
                     text: "Sign Out"
                     onClicked: App.signOut()
                 }

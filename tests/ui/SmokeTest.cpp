@@ -1,0 +1,122 @@
+// Starts the desktop program headless in each state a person meets first and keeps a picture
+// of every window under <build>/screenshots.
+#include "RecordingServer.h"
+#include "TestPaths.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Launch {
+    QString prefix;
+    QString theme;
+    QMap<QString, QString> env;
+    QStringList storedSettings;  ///< extra lines of the settings file
+};
+
+QDir shotsDir()
+{
+    QDir dir(TestPaths::buildDir());
+    dir.mkpath(QStringLiteral("screenshots"));
+    dir.cd(QStringLiteral("screenshots"));
+    return dir;
+}
+
+/// Runs the program once with a settings file of its own; returns its exit code.
+int launch(const Launch &l, QString *output)
+{
+    QTemporaryDir home;
+    QDir(home.path()).mkpath(QStringLiteral(".config/Aeroloom"));
+    QFile ini(home.filePath(QStringLiteral(".config/Aeroloom/Aeroloom.ini")));
+    EXPECT_TRUE(ini.open(QIODevice::WriteOnly));
+    ini.write("[General]\nthemePref=" + l.theme.toUtf8() + "\n");
+    for (const QString &line : l.storedSettings)
+        ini.write(line.toUtf8() + "\n");
+    ini.close();
+
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"SPIKE_BASE", "SPIKE_TOKEN", "SPIKE_USER", "SPIKE_PASS", "SPIKE_SCREEN"})
+        env.remove(QString::fromLatin1(name));
+    env.insert(QStringLiteral("HOME"), home.path());
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral(".config")));
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    for (auto it = l.env.begin(); it != l.env.end(); ++it)
+        env.insert(it.key(), it.value());
+
+    QProcess process;
+    process.setProcessEnvironment(env);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QStringLiteral(AEROLOOM_APP_BINARY),
+                  {QStringLiteral("--screenshots"), shotsDir().path(), QStringLiteral("--shot-prefix"), l.prefix});
+    if (!process.waitForFinished(60000)) {
+        process.kill();
+        process.waitForFinished();
+        return -1;
+    }
+    *output = QString::fromUtf8(process.readAll());
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+}
+
+void expectPictures(const QString &prefix)
+{
+    for (const char *window : {"main", "import", "cut", "settings"}) {
+        const QString path = shotsDir().filePath(prefix + "-" + window + ".png");
+        const QImage image(path);
+        ASSERT_FALSE(image.isNull()) << path.toStdString();
+        EXPECT_GE(image.width(), 500) << path.toStdString();
+        // Something was drawn: a blank window is one colour.
+        const QColor corner = image.pixelColor(0, image.height() - 1);
+        bool varied = false;
+        for (int y = 0; y < image.height() && !varied; y += 7)
+            for (int x = 0; x < image.width() && !varied; x += 7)
+                varied = image.pixelColor(x, y) != corner;
+        EXPECT_TRUE(varied) << path.toStdString();
+    }
+}
+
+} // namespace
+
+TEST(Smoke, EveryWindowInEveryFirstState)
+{
+    RecordingServer server;
+    server.replyWith(200, R"({"id":1,"email":"pilot@ornivale.example","admin":false,"plan":"pro"})");
+
+    const QList<Launch> launches = {
+        {"signedout-cockpit", "cockpit", {}, {}},
+        {"signedout-field", "field", {}, {}},
+        // A stored user opens the sign-in screen on its advanced password form.
+        {"signin-advanced-cockpit", "cockpit", {}, {"user=ann"}},
+        {"signin-advanced-field", "field", {}, {"user=ann"}},
+        {"signedin-cockpit", "cockpit", {{"SPIKE_BASE", server.base()}, {"SPIKE_TOKEN", "t"}}, {}},
+        {"signedin-field", "field", {{"SPIKE_BASE", server.base()}, {"SPIKE_TOKEN", "t"}}, {}},
+        {"stories-cockpit", "cockpit", {{"SPIKE_BASE", server.base()}, {"SPIKE_SCREEN", "reels"}}, {}},
+    };
+    for (const Launch &l : launches) {
+        QString output;
+        EXPECT_EQ(launch(l, &output), 0) << l.prefix.toStdString() << "\n" << output.toStdString();
+        expectPictures(l.prefix);
+    }
+}
+
+TEST(Smoke, BadStoredStateStillStarts)
+{
+    RecordingServer captive;
+    captive.replyWith(200, "<html>captive portal</html>", "text/html");
+    // A garbage base, and an account reply that is no JSON: both start signed in, no crash.
+    // The keyring may be missing altogether here; that too must only cost the secrets.
+    const QList<Launch> launches = {
+        {"garbage-base", "system", {}, {"base=\"::not a url\"", "user=\" ann \""}},
+        {"captive-portal", "system", {}, {"base=" + captive.base()}},
+    };
+    for (const Launch &l : launches) {
+        QString output;
+        EXPECT_EQ(launch(l, &output), 0) << l.prefix.toStdString() << "\n" << output.toStdString();
+        expectPictures(l.prefix);
+    }
+}
