@@ -19,8 +19,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QGuiApplication>
-#include <QStandardPaths>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -262,14 +260,3 @@ TEST_F(GalleryView, MapShowsClusteredPinsOnLoopbackTiles)
     EXPECT_TRUE(store->openedId().isEmpty());  // a cluster opens nothing
 }
 
-// The shared test main is built once, without the GUI flag, so it makes a QCoreApplication;
-// windows need a QGuiApplication. This main takes its place for this program only.
-int main(int argc, char **argv)
-{
-    ::testing::InitGoogleTest(&argc, argv);
-    QStandardPaths::setTestModeEnabled(true);
-    QGuiApplication app(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("AeroloomTests"));
-    QCoreApplication::setApplicationName(QStringLiteral("aeroloom-tests"));
-    return RUN_ALL_TESTS();
-}
