@@ -81,6 +81,7 @@ int main(int argc, char *argv[])
         if (appModel.loggedIn())
             gallery.load();
     });
+    QObject::connect(&gallery, &GalleryStore::logOutRequested, &appModel, [&] { appModel.signOut(); });
     registerBrowseTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
 
