@@ -158,7 +158,7 @@ TEST(GalleryGroups, DatedSectionsRunByKeyWithUnknownLastUnlessOldest)
     EXPECT_EQ(flat[0].items, rows);
 }
 
-TEST(GalleryGroups, PlacesRunByCountThenNameWithNoSpecialUnknown)
+TEST(GalleryGroups, PlacesRunByCountThenNameUnknownIncluded)
 {
     QList<Flight> flights;
     auto add = [&](const QString &place, int n) {

@@ -29,14 +29,14 @@
 namespace fs = std::filesystem;
 
 namespace {
-struct Spec {
+struct Planned {
     const char *id;
     const char *place;
     const char *model;
     double lat, lon;
 };
 // Ids carry their dates. Two flights near each other cluster on a wide map.
-const Spec specs[] = {
+const Planned planned[] = {
     {"20240512_093000_0001", "Saltmarsh Lagoon", "Mavic 3", 43.5185, 4.1912},
     {"20240601_184512_0002", "Cedar Ridge", "Mavic 3", 46.5593, 8.0031},
     {"20240602_071530_0003", "Cedar Ridge", "Mini 4 Pro", 46.5620, 8.0110},
@@ -47,7 +47,7 @@ void putFlights(TestServer &server)
 {
     const fs::path media = makeFlightFolder(server.sandbox() / "media", 1.0);
     auto http = server.client();
-    for (const Spec &s : specs) {
+    for (const Planned &s : planned) {
         const fs::path folder = server.sandbox() / "up" / s.id;
         fs::create_directories(folder);
         fs::copy_file(media / "proxy.mp4", folder / "proxy.mp4");
@@ -135,7 +135,7 @@ GalleryView {
     int cardCount() const
     {
         int n = 0;
-        for (const Spec &s : specs)
+        for (const Planned &s : planned)
             n += card(s.id) != nullptr;
         return n;
     }
