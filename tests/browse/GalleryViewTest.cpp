@@ -260,3 +260,30 @@ TEST_F(GalleryView, MapShowsClusteredPinsOnLoopbackTiles)
     EXPECT_TRUE(store->openedId().isEmpty());  // a cluster opens nothing
 }
 
+
+#include "TileLoader.h"
+
+TEST(TileLoader, TilesComeBackFromDiskInTheNextRun)
+{
+    LoopbackTiles host;
+    QTemporaryDir cache;
+    const QString url = host.base() + "/dark_all/3/4/2@2x.png";
+    {
+        TileLoader first(cache.path());
+        EXPECT_TRUE(first.tile(url).isNull());  // never waits: asks, and draws later
+        ASSERT_TRUE(waitUntil([&] { return !first.cached(url).isNull(); }));
+        EXPECT_EQ(first.cached(url).width(), 512);
+        EXPECT_EQ(first.pending(), 0);
+    }
+    ASSERT_EQ(host.served(), 1);
+    TileLoader second(cache.path());
+    (void)second.tile(url);
+    ASSERT_TRUE(waitUntil([&] { return !second.cached(url).isNull(); }));
+    EXPECT_EQ(host.served(), 1);
+
+    // A tile the host can't give stays missing without a fuss.
+    const QString missing = host.base() + "/nowhere/1/1/1@2x.png";
+    (void)second.tile(missing);
+    ASSERT_TRUE(waitUntil([&] { return second.pending() == 0; }));
+    EXPECT_TRUE(second.cached(missing).isNull());
+}
