@@ -93,6 +93,10 @@ public:
     [[nodiscard]] static QString clipThumbPath(const QString &flightId, const QString &clipId, double start);
     /// A pool clip's `thumb` when present, else its flight's thumbnail.
     [[nodiscard]] QUrl poolClipThumbURL(const PoolClip &clip) const;
+    /// The bytes at `url` for an image view, fetched with this client's headers. The status isn't
+    /// looked at: whatever came is for the image decoder to accept or refuse; empty on a
+    /// transport failure.
+    QCoro::Task<QByteArray> imageBytes(QUrl url) const;
     /// Trades a bearer token for the cookie of the server's web pages. Nothing for Basic
     /// credentials (no request is made), and nothing on any failure: the caller just has no cookie.
     QCoro::Task<std::optional<QNetworkCookie>> webSessionCookie() const;

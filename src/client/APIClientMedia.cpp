@@ -47,6 +47,16 @@ QUrl APIClient::poolClipThumbURL(const PoolClip &clip) const
     return clip.thumb ? url(*clip.thumb) : flightThumbURL(clip.flightId);
 }
 
+QCoro::Task<QByteArray> APIClient::imageBytes(QUrl url) const
+{
+    const auto network = m_network;
+    const ReplyPtr reply(network->get(request(url)));
+    co_await awaitReply(reply.get(), nullptr);
+    if (!reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid())
+        co_return QByteArray();
+    co_return reply->readAll();
+}
+
 std::optional<QNetworkCookie> APIClient::webSessionCookieFor(const QString &base, const QByteArray &body,
                                                              const QDateTime &now)
 {

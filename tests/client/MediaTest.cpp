@@ -28,6 +28,19 @@ TEST_F(WireTest, ProxyURLTakesTheLightFileOnlyWhenItExistsAndQualityIsNotForced)
     EXPECT_EQ(client.poolClipThumbURL(pool).toString(), base + "/flights/F1/clipthumb_c2_123.jpg");
 }
 
+TEST_F(WireTest, ImageBytesComeWhateverTheStatus)
+{
+    server.replyWith(404, "<html>missing</html>", "text/html");
+    EXPECT_EQ(run(client.imageBytes(client.flightThumbURL("F1"))), "<html>missing</html>");
+    expectRequest("GET", "/flights/F1/thumb.jpg", 0);
+    server.setHandler([](const RecordingServer::Request &) {
+        RecordingServer::Reply reply;
+        reply.drop = true;
+        return reply;
+    });
+    EXPECT_TRUE(run(client.imageBytes(client.flightThumbURL("F1"))).isEmpty());
+}
+
 TEST_F(WireTest, WebSessionCookieFromABearerToken)
 {
     server.replyWith(200, R"({"cookie":"ws","token":"abc","maxAge":3600})");
@@ -80,18 +93,28 @@ TEST(WebSessionCookie, SecureOnlyForHttpsBases)
 class DownloadTest : public WireTest
 {
 protected:
-    const QString name = QStringLiteral("aeroloom-test-%1.mp4").arg(QCoreApplication::applicationPid());
+    // A temporary folder of this test's own, so nothing else running can leave files in it.
+    QTemporaryDir temp;
+    const QByteArray savedTemp = qgetenv("TMPDIR");
+    const bool tempSet = qputenv("TMPDIR", temp.path().toLocal8Bit());
+    const QString name = QStringLiteral("aeroloom-test.mp4");
     const QString destination = QDir(QDir::tempPath()).filePath(name);
-    ~DownloadTest() override { QFile::remove(destination); }
+    ~DownloadTest() override
+    {
+        if (savedTemp.isNull())
+            qunsetenv("TMPDIR");
+        else
+            qputenv("TMPDIR", savedTemp);
+    }
 
     static QByteArray readAll(const QString &path)
     {
         QFile f(path);
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
-    static QStringList leftovers()
+    [[nodiscard]] QStringList leftovers() const
     {
-        return QDir(QDir::tempPath()).entryList({QStringLiteral(".aeroloom-download-*")}, QDir::Files | QDir::Hidden);
+        return QDir(temp.path()).entryList(QDir::Files | QDir::Hidden);
     }
 };
 
@@ -105,14 +128,14 @@ TEST_F(DownloadTest, StreamsToTheTemporaryFolderAndReplacesAnOlderFile)
         ASSERT_TRUE(old.open(QIODevice::WriteOnly));
         old.write("old");
     }
-    const auto before = leftovers();
     server.replyWith(200, video, "video/mp4");
     const auto path = run(client.downloadToTemporary("api/projects/p1/renders/r1/file.mp4", name));
     ASSERT_TRUE(path.ok()) << path.errorText().toStdString();
     EXPECT_EQ(*path, destination);
     expectRequest("GET", "/api/projects/p1/renders/r1/file.mp4", 0);
+    EXPECT_EQ(destination, QDir(temp.path()).filePath(name));
     EXPECT_EQ(readAll(destination), video);
-    EXPECT_EQ(leftovers(), before);
+    EXPECT_EQ(leftovers(), QStringList{name});
 }
 
 TEST_F(DownloadTest, AFailedDownloadLeavesNothingUnderTheFinalName)
@@ -122,7 +145,6 @@ TEST_F(DownloadTest, AFailedDownloadLeavesNothingUnderTheFinalName)
         ASSERT_TRUE(old.open(QIODevice::WriteOnly));
         old.write("old");
     }
-    const auto before = leftovers();
     server.replyWith(404, "<html>gone</html>", "text/html");
     auto r = run(client.downloadToTemporary("x.mp4", name));
     ASSERT_FALSE(r.ok());
@@ -138,7 +160,7 @@ TEST_F(DownloadTest, AFailedDownloadLeavesNothingUnderTheFinalName)
     ASSERT_FALSE(r.ok());
     EXPECT_EQ(r.failure().domain, APIError::networkDomain);
     EXPECT_EQ(readAll(destination), "old");
-    EXPECT_EQ(leftovers(), before);
+    EXPECT_EQ(leftovers(), QStringList{name});
 
     server.clear();
     for (const QString &bad : QStringList{"", "..", "../escape.mp4", "a/b.mp4"}) {
@@ -156,5 +178,5 @@ TEST_F(DownloadTest, CancellingStopsTheTransfer)
     server.replyWith(200, QByteArray(1024, 'x'), "video/mp4");
     const auto r = run(client.downloadToTemporary("x.mp4", name, &token));
     ASSERT_FALSE(r.ok());
-    EXPECT_FALSE(QFile::exists(destination));
+    EXPECT_TRUE(leftovers().isEmpty());
 }
