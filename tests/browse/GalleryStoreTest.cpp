@@ -55,7 +55,16 @@ struct Fixture {
     QTemporaryDir dir;
     QSettings settings{dir.filePath("prefs.ini"), QSettings::IniFormat};
     AppEvents events;
-    GalleryStore store{std::make_shared<APIClient>(library.server.base(), std::nullopt), &settings, &events};
+    std::unique_ptr<GalleryStore> owned =
+        std::make_unique<GalleryStore>(std::make_shared<APIClient>(library.server.base(), std::nullopt), &settings, &events);
+    GalleryStore &store = *owned;
+
+    // The client's connections close before the server stops, so its stop doesn't wait them out.
+    ~Fixture()
+    {
+        owned.reset();
+        waitUntil([] { return false; }, 60);
+    }
 
     QStringList visible() const
     {
