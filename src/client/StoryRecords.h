@@ -38,6 +38,12 @@ struct ReelItem {
     bool operator==(const ReelItem &) const = default;
 };
 
+/// Items are equal only with equal `uid`s, so the uid alone is a consistent hash.
+[[nodiscard]] inline size_t qHash(const ReelItem &item, size_t seed = 0) noexcept
+{
+    return qHash(item.uid, seed);
+}
+
 /// @brief A story with its entries.
 struct Project {
     QString id;

@@ -6,6 +6,8 @@
 #include "StoryRecords.h"
 #include "Units.h"
 
+#include <QSet>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -89,6 +91,7 @@ TEST(Records, ReelItemUidIsLocalAndFreshEveryTime)
     EXPECT_EQ(copy, *a);
     EXPECT_EQ(text(a->toJson()), R"({"flightId":"F","in":1.0,"out":2.0,"label":"x"})");
     EXPECT_NE(ReelItem().uid, ReelItem().uid);
+    EXPECT_EQ(QSet<ReelItem>({*a, *b, copy}).size(), 2);
 }
 
 TEST(Records, ListIdentities)
