@@ -2,7 +2,9 @@
 #include "AccountSettingsModel.h"
 #include "AppEvents.h"
 #include "AppModel.h"
+#include "BrowseTypes.h"
 #include "FileOpenRouter.h"
+#include "GalleryStore.h"
 #include "GeocodeClient.h"
 #include "ImageCache.h"
 #include "ImportWindowModel.h"
@@ -98,6 +100,20 @@ int main(int argc, char *argv[])
 
     registerUiServices({appModel, prefs, themeManager, theme, units, playback, router, images, importWindow,
                         accountSettings, storageSettings});
+
+    // The flights section: follows the session's client and the units, reloads on app events.
+    QSettings gallerySettings(prefs.fileName(), QSettings::IniFormat);
+    GalleryStore gallery(appModel.client(), &gallerySettings, &events);
+    gallery.setMetric(units.metric());
+    QObject::connect(&units, &UnitsPref::metricChanged, &gallery, [&] { gallery.setMetric(units.metric()); });
+    QObject::connect(&appModel, &AppModel::clientChanged, &gallery, [&] {
+        gallery.setClient(appModel.client());
+        if (appModel.loggedIn())
+            gallery.load();
+    });
+    QObject::connect(&gallery, &GalleryStore::logOutRequested, &appModel, [&] { appModel.signOut(); });
+    registerBrowseTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,

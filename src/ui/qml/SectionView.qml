@@ -3,6 +3,8 @@
 import QtQuick
 import QtQuick.Layouts
 import Aeroloom.Services
+import Aeroloom.Browse
+import "qrc:/aeroloom/browse"
 
 Rectangle {
     id: sectionView
@@ -11,7 +13,17 @@ Rectangle {
     readonly property string title: section === "clips" ? "Clips" : section === "reels" ? "Stories" : "Flights"
     color: Theme.background
 
+    Loader {
+        anchors.fill: parent
+        active: sectionView.section === "flights"
+        sourceComponent: GalleryView {
+            store: Gallery
+            thumbnail: Component { AuthedAsyncImage {} }
+        }
+    }
+
     Text {
+        visible: sectionView.section !== "flights"
         x: 32
         y: 28
         text: sectionView.title
