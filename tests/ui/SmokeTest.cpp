@@ -1,6 +1,7 @@
 // Starts the desktop program headless in each state a person meets first and keeps a picture
 // of every window under <build>/screenshots.
 #include "RecordingServer.h"
+#include "TestServer.h"
 #include "TestPaths.h"
 
 #include <QDir>
@@ -84,8 +85,12 @@ void expectPictures(const QString &prefix)
 
 TEST(Smoke, EveryWindowInEveryFirstState)
 {
-    RecordingServer server;
-    server.replyWith(200, R"({"id":1,"email":"pilot@ornivale.example","admin":false,"plan":"pro"})");
+    // A real library with its sample flights, so the signed-in pictures show what a pilot meets.
+    TestServer library([](ServerConfig &c) {
+        c.samples = true;
+        c.sampleSeconds = 4;
+    });
+    const QString base = QString::fromStdString(library.base());
 
     const QList<Launch> launches = {
         {"signedout-cockpit", "cockpit", {}, {}},
@@ -93,9 +98,9 @@ TEST(Smoke, EveryWindowInEveryFirstState)
         // A stored user opens the sign-in screen on its advanced password form.
         {"signin-advanced-cockpit", "cockpit", {}, {"user=ann"}},
         {"signin-advanced-field", "field", {}, {"user=ann"}},
-        {"signedin-cockpit", "cockpit", {{"SPIKE_BASE", server.base()}, {"SPIKE_TOKEN", "t"}}, {}},
-        {"signedin-field", "field", {{"SPIKE_BASE", server.base()}, {"SPIKE_TOKEN", "t"}}, {}},
-        {"stories-cockpit", "cockpit", {{"SPIKE_BASE", server.base()}, {"SPIKE_SCREEN", "reels"}}, {}},
+        {"signedin-cockpit", "cockpit", {{"SPIKE_BASE", base}}, {}},
+        {"signedin-field", "field", {{"SPIKE_BASE", base}}, {}},
+        {"stories-cockpit", "cockpit", {{"SPIKE_BASE", base}, {"SPIKE_SCREEN", "reels"}}, {}},
     };
     for (const Launch &l : launches) {
         QString output;
