@@ -120,18 +120,22 @@ QCoro::Task<Result<QString>> FlightUploader::upload(QString id, QString dir, Pro
 QCoro::Task<Result<void>> FlightUploader::sendFile(QString id, QString name, QString path, qint64 size,
                                                    Progress onFile, CancelToken *cancel) const
 {
-    auto *file = new QFile(path);
-    if (!file->open(QIODevice::ReadOnly)) {
-        const QString why = file->errorString();
-        delete file;
-        co_return Failure{APIError::networkDomain, QNetworkReply::UnknownContentError, why};
-    }
     QNetworkRequest request = m_client->request(
         m_client->url(QStringLiteral("api/flights/%1/files/%2").arg(id, name)),
         std::chrono::duration_cast<std::chrono::milliseconds>(transferTimeout(size)));
     request.setHeader(QNetworkRequest::ContentTypeHeader, QByteArrayLiteral("application/octet-stream"));
-    auto reply = own(m_client->network()->put(request, file));
-    file->setParent(reply.get());  // the body is read from disk for as long as the transfer runs
+    auto file = std::make_unique<QFile>(path);
+    if (!file->open(QIODevice::ReadOnly))
+        co_return Failure{APIError::networkDomain, QNetworkReply::UnknownContentError, file->errorString()};
+    // A small file goes in one buffer: streamed, its headers and bytes leave in separate writes,
+    // which TCP holds back for tens of milliseconds. The proxy is read from disk for as long as
+    // the transfer runs and never held in memory.
+    const bool small = size <= smallFileBytes;
+    QNetworkReply *started = small ? m_client->network()->put(request, file->readAll())
+                                   : m_client->network()->put(request, file.get());
+    if (!small)
+        file.release()->setParent(started);
+    const auto reply = own(started);
     QObject::connect(reply.get(), &QNetworkReply::uploadProgress, reply.get(), [onFile, name](qint64 sent, qint64 total) {
         if (total > 0 && onFile)  // the final (0, 0) report says nothing
             onFile(name, double(sent) / double(total));

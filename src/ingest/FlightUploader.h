@@ -32,6 +32,8 @@ public:
     using Progress = std::function<void(const QString &, double)>;
 
     static constexpr qint64 proxyLimit = 2'000'000'000;
+    /// Files up to this size are sent from memory; larger ones stream from disk.
+    static constexpr qint64 smallFileBytes = 4'000'000;
     static constexpr int maxAttempts = 3;
     /// In the order they are sent: the small description first, the heavy proxy last.
     static const QStringList fileNames;
