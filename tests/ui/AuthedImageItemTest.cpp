@@ -8,18 +8,14 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include "TestImages.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 QByteArray squarePng()
 {
-    QImage image(40, 40, QImage::Format_RGB32);
-    image.fill(QColor(220, 30, 30));
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
+    return pngOf(QSize(40, 40), QColor(220, 30, 30));
 }
 
 bool near(QColor a, QColor b)

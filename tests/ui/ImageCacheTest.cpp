@@ -6,18 +6,14 @@
 #include <QBuffer>
 #include <QImage>
 
+#include "TestImages.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 QByteArray pngBytes()
 {
-    QImage image(32, 18, QImage::Format_RGB32);
-    image.fill(QColor(200, 120, 40));
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
+    return pngOf(QSize(32, 18), QColor(200, 120, 40));
 }
 } // namespace
 
