@@ -1,5 +1,6 @@
 #include "H264Encoder.h"
 
+#include "Notifier.h"
 #include "ProcessRunner.h"
 
 #include <QFileInfo>
@@ -9,6 +10,13 @@
 namespace {
 
 std::optional<H264Encoder> chosen;
+bool testing = false;
+
+Notifier &tested()
+{
+    static Notifier notifier;
+    return notifier;
+}
 
 QList<H264Encoder> hardwareCandidates()
 {
@@ -46,8 +54,14 @@ QString H264Encoder::filter(const QString &chain) const
 
 QCoro::Task<H264Encoder> H264Encoder::forMachine(QString ffmpeg)
 {
+    // Two flights start processing together: the second waits for the first one's test.
+    while (testing && !chosen)
+        co_await tested().wait(std::chrono::seconds(1));
+    // A copy, never `*chosen` itself: QCoro's co_return moves from any lvalue it is handed.
     if (chosen)
-        co_return *chosen;
+        co_return H264Encoder(*chosen);
+    testing = true;
+    H264Encoder found = software();
     for (const H264Encoder &candidate : hardwareCandidates()) {
         QStringList args = {QStringLiteral("-v"), QStringLiteral("error")};
         args << candidate.beforeInput
@@ -57,10 +71,19 @@ QCoro::Task<H264Encoder> H264Encoder::forMachine(QString ffmpeg)
              << candidate.codecOptions << QStringList{QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-")};
         const auto result = co_await ProcessRunner::run(ffmpeg, args);
         if (result && result->status == 0) {
-            chosen = candidate;
-            co_return *chosen;
+            found = candidate;
+            break;
         }
     }
-    chosen = software();
-    co_return *chosen;
+    chosen = found;
+    testing = false;
+    tested().notifyAll();
+    co_return found;
+}
+
+void H264Encoder::prepare(QString ffmpeg)
+{
+    // Runs on by itself when the task is dropped; its answer stays for later calls.
+    if (!chosen && !testing)
+        (void)forMachine(std::move(ffmpeg));
 }

@@ -16,6 +16,8 @@ struct H264Encoder {
 
     /// Tested once per process; later calls answer at once.
     static QCoro::Task<H264Encoder> forMachine(QString ffmpeg);
+    /// Starts the test in the background, so the first encode doesn't wait for it.
+    static void prepare(QString ffmpeg);
     static H264Encoder software();
     /// `-vf` value with this encoder's suffix.
     [[nodiscard]] QString filter(const QString &chain) const;

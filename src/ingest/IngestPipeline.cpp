@@ -120,6 +120,7 @@ QCoro::Task<Result<Output>> run(Input in, CancelToken *cancel)
     // The runner starts a child even for a token cancelled already, so each step asks first.
     if (isCancelled(cancel))
         co_return stepError(Step::Telemetry, stopped());
+    H264Encoder::prepare(tools->ffmpeg);
     // A plain video without telemetry comes back as a flight without a path; only a
     // low-resolution file without it, or a sidecar that can't be read, fails here.
     auto telemetry = co_await ClipTelemetry::read(in.source, in.srt, cancel);
