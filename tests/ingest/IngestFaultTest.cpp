@@ -1,4 +1,5 @@
-// Faults a pilot's import meets: the program killed mid-run, a corrupt clip on the card.
+// Faults a pilot's import meets: the program killed mid-run, a corrupt clip on the card, the
+// library going away in the middle of an upload.
 #include "DjiTelemetry.h"
 #include "ProcessRunner.h"
 #include "TestPaths.h"
@@ -9,8 +10,10 @@
 #include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -19,6 +22,79 @@ namespace {
 QString cli()
 {
     return TestPaths::buildDir() + QStringLiteral("/src/cli/aeroloom-cli");
+}
+
+/// The library server as its own process, so that it can die without a word.
+class ServerProcess
+{
+public:
+    ServerProcess(QString library, int port = 0)
+    {
+        m_process.start(TestPaths::buildDir() + QStringLiteral("/src/server/aeroloom-server"),
+                        {QStringLiteral("--library"), library, QStringLiteral("--listen"),
+                         QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("--no-samples")});
+        QString out;
+        static const QRegularExpression url(QStringLiteral("http://127\\.0\\.0\\.1:(\\d+)"));
+        while (m_process.waitForReadyRead(10000)) {
+            out += QString::fromUtf8(m_process.readAllStandardOutput());
+            if (const auto match = url.match(out); match.hasMatch()) {
+                m_base = match.captured(0);
+                m_port = match.captured(1).toInt();
+                return;
+            }
+        }
+        ADD_FAILURE() << "the server didn't start: " << m_process.readAllStandardError().toStdString();
+    }
+    ~ServerProcess() { kill(); }
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    [[nodiscard]] QString base() const { return m_base; }
+    [[nodiscard]] int port() const { return m_port; }
+
+private:
+    QProcess m_process;
+    QString m_base;
+    int m_port = 0;
+};
+
+/// A processed flight left in Pending, its proxy big enough that the upload takes a while.
+QString pendingFlight(const QString &work, const QString &id, qint64 proxyBytes)
+{
+    const QString folder = QDir(work).filePath(QStringLiteral("Pending/") + id);
+    makeFlightFolder(folder.toStdString());
+    QFile proxy(QDir(folder).filePath(QStringLiteral("proxy.mp4")));
+    EXPECT_TRUE(proxy.resize(proxyBytes));
+    return folder;
+}
+
+/// Waits until the server is writing a body of more than a few megabytes, then kills it.
+bool killMidTransfer(ServerProcess &server, const QString &library, QProcess &client)
+{
+    QDeadlineTimer deadline(60000);
+    while (!deadline.hasExpired() && client.state() == QProcess::Running) {
+        for (const QFileInfo &part : QDir(library + QStringLiteral("/tmp")).entryInfoList({QStringLiteral("*.part")}, QDir::Files)) {
+            if (part.size() > 8'000'000) {
+                server.kill();
+                return true;
+            }
+        }
+        QThread::msleep(1);
+    }
+    return false;
+}
+
+QString ingestOutput(QProcess &client)
+{
+    EXPECT_TRUE(client.waitForFinished(120000));
+    return QString::fromUtf8(client.readAllStandardOutput());
+}
+
+qint64 sizeInLibrary(const QString &library, const QString &id)
+{
+    return QFileInfo(QStringLiteral("%1/flights/%2/proxy.mp4").arg(library, id)).size();
 }
 
 } // namespace
@@ -72,4 +148,60 @@ TEST(IngestFaults, KilledAtRandomPointsEveryFlightEndsInTheLibraryExactlyOnce)
     // Nothing is left half-done: the processed folders of uploaded flights are gone.
     for (const QString &id : inLibrary)
         EXPECT_FALSE(QDir(dir.filePath("work/Pending/" + id)).exists()) << id.toStdString();
+}
+
+TEST(IngestFaults, TheLibraryStoppingMidUploadIsRetriedThenFailsClearlyAndALaterRunFinishes)
+{
+    QTemporaryDir dir;
+    const QString work = dir.filePath("work");
+    const QString library = dir.filePath("library");
+    const qint64 big = 250'000'000;  // sparse: cheap to make, long enough to read
+    QDir().mkpath(dir.filePath("empty"));
+    auto ingest = [&](const QString &base) {
+        auto client = std::make_unique<QProcess>();
+        client->start(cli(), {"ingest", dir.filePath("empty"), "--server", base, "--no-geocode", "--work", work});
+        EXPECT_TRUE(client->waitForStarted());
+        return client;
+    };
+
+    // The library dies during the proxy and is back before the first retry: the same run finishes.
+    const QString first = pendingFlight(work, "20240102_050000_0001", big);
+    auto server = std::make_unique<ServerProcess>(library);
+    const int port = server->port();
+    auto run = ingest(server->base());
+    ASSERT_TRUE(killMidTransfer(*server, library, *run));
+    server = std::make_unique<ServerProcess>(library, port);
+    QString out = ingestOutput(*run);
+    EXPECT_EQ(run->exitCode(), 0) << out.toStdString();
+    EXPECT_TRUE(out.contains("20240102_050000_0001\tDone")) << out.toStdString();
+    EXPECT_EQ(sizeInLibrary(library, "20240102_050000_0001"), big);
+    EXPECT_FALSE(QDir(first).exists());
+
+    // It dies again and stays away through every attempt: a clear failure, the folder kept.
+    const QString second = pendingFlight(work, "20240102_050000_0002", big);
+    run = ingest(server->base());
+    QElapsedTimer waited;
+    ASSERT_TRUE(killMidTransfer(*server, library, *run));
+    waited.start();
+    out = ingestOutput(*run);
+    EXPECT_EQ(run->exitCode(), 1) << out.toStdString();
+    EXPECT_GE(waited.elapsed(), 5000) << "two retries, after 2 s and 4 s";
+    static const QRegularExpression failed("20240102_050000_0002\tFailed — \\S.*");
+    EXPECT_TRUE(failed.match(out).hasMatch()) << out.toStdString();
+    EXPECT_EQ(QFileInfo(second + "/proxy.mp4").size(), big) << "nothing of the flight is lost";
+    EXPECT_TRUE(QFileInfo::exists(second + "/flight.json"));
+
+    // With the library back, a later run sends it and cleans up, and the half-received proxy
+    // of the dead server does not linger or count twice.
+    server = std::make_unique<ServerProcess>(library);
+    run = ingest(server->base());
+    out = ingestOutput(*run);
+    EXPECT_EQ(run->exitCode(), 0) << out.toStdString();
+    EXPECT_TRUE(out.contains("20240102_050000_0002\tDone")) << out.toStdString();
+    EXPECT_EQ(sizeInLibrary(library, "20240102_050000_0002"), big);
+    EXPECT_FALSE(QDir(second).exists());
+    EXPECT_TRUE(QDir(library + "/tmp").entryList({"*.part"}, QDir::Files).isEmpty());
+    httplib::Client http(server->base().toStdString());
+    const auto ids = jsonOf(http.Get("/api/flights"))["ids"];
+    EXPECT_EQ(ids, nlohmann::json::parse(R"(["20240102_050000_0001","20240102_050000_0002"])"));
 }
