@@ -1,6 +1,11 @@
 // Faults a pilot's import meets: the program killed mid-run, a corrupt clip on the card, the
-// library going away in the middle of an upload.
+// library going away in the middle of an upload, the card pulled out.
+#include "APIClient.h"
+#include "CoroTest.h"
 #include "DjiTelemetry.h"
+#include "ImportWindowModel.h"
+#include "IngestPipeline.h"
+#include "IngestQueue.h"
 #include "ProcessRunner.h"
 #include "TestPaths.h"
 #include "TestServer.h"
@@ -12,6 +17,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSet>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -204,4 +210,56 @@ TEST(IngestFaults, TheLibraryStoppingMidUploadIsRetriedThenFailsClearlyAndALater
     httplib::Client http(server->base().toStdString());
     const auto ids = jsonOf(http.Get("/api/flights"))["ids"];
     EXPECT_EQ(ids, nlohmann::json::parse(R"(["20240102_050000_0001","20240102_050000_0002"])"));
+}
+
+TEST(IngestFaults, ACardPulledOutFailsOnlyItsOwnRowsAndLeavesNothingBehind)
+{
+    QTemporaryDir dir;
+    const auto card = Fixtures::makeCard(dir.filePath("card"));
+    ASSERT_TRUE(card.ok()) << card.errorText().toStdString();
+    const QString loose = dir.filePath("desktop/DJI_20240103101010_0042_D.MP4");
+    QDir().mkpath(dir.filePath("desktop"));
+    ASSERT_TRUE(Fixtures::makeClip(loose));
+    TestServer server;
+
+    IngestQueue::Services services;
+    services.client = std::make_shared<APIClient>(QString::fromStdString(server.base()), std::nullopt);
+    services.workRoot = dir.filePath("Aeroloom");
+    services.process = IngestPipeline::asQueueStep(nullptr);
+    services.geocode = [] { return false; };
+    IngestQueue queue(services);
+    ImportWindowModel window(&queue, nullptr);
+
+    // Pulled while the scan walks it: whatever the scan saw, nothing breaks.
+    const QString copy = dir.filePath("copy");
+    ASSERT_EQ(ProcessRunner::runBlocking("cp", {"-r", card->root, copy})->status, 0);
+    ASSERT_TRUE(window.scanVolume(copy));
+    QDir(copy).removeRecursively();
+    ASSERT_TRUE(waitUntil([&] { return !window.scanning(); }, 20000));
+    while (queue.rowCount() > 0)
+        queue.remove(queue.items().front().id);
+
+    // Pulled after the scan, before "Start Upload": its flights are listed, their files gone.
+    ASSERT_TRUE(window.scanVolume(card->root));
+    ASSERT_TRUE(waitUntil([&] { return !window.scanning(); }, 20000));
+    ASSERT_EQ(queue.rowCount(), 4);
+    window.addUrls({QUrl::fromLocalFile(loose)});
+    ASSERT_TRUE(waitUntil([&] { return queue.rowCount() == 5 && !window.scanning(); }, 20000));
+    ASSERT_TRUE(QDir(card->root).removeRecursively());
+
+    QSignalSpy finished(&queue, &IngestQueue::finished);
+    queue.start();
+    ASSERT_TRUE(finished.wait(180000));
+    for (const auto &item : queue.items()) {
+        if (item.id == "20240103_101010_0042") {
+            EXPECT_EQ(item.phase.text(), "Done");
+            continue;
+        }
+        EXPECT_EQ(item.phase.kind, IngestPhase::Kind::Failed) << item.id.toStdString();
+        EXPECT_TRUE(item.phase.detail.startsWith("telemetry: ") || item.phase.detail.startsWith("proxy: "))
+            << item.phase.detail.toStdString();
+        EXPECT_FALSE(QDir(services.workRoot + "/Pending/" + item.id).exists()) << "no half-made folder";
+    }
+    EXPECT_EQ(window.finishedSummary(), "1 flight added to your library, 4 didn't make it — try again any time.");
+    EXPECT_EQ(jsonOf(server.client()->Get("/api/flights"))["ids"], nlohmann::json::parse(R"(["20240103_101010_0042"])"));
 }
