@@ -34,11 +34,12 @@ QString cli()
 class ServerProcess
 {
 public:
-    ServerProcess(QString library, int port = 0)
+    ServerProcess(QString library, int port = 0, const QStringList &more = {})
     {
         m_process.start(TestPaths::buildDir() + QStringLiteral("/src/server/aeroloom-server"),
-                        {QStringLiteral("--library"), library, QStringLiteral("--listen"),
-                         QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("--no-samples")});
+                        QStringList{QStringLiteral("--library"), library, QStringLiteral("--listen"),
+                                    QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("--no-samples")}
+                            + more);
         QString out;
         static const QRegularExpression url(QStringLiteral("http://127\\.0\\.0\\.1:(\\d+)"));
         while (m_process.waitForReadyRead(10000)) {
@@ -90,6 +91,18 @@ bool killMidTransfer(ServerProcess &server, const QString &library, QProcess &cl
         QThread::msleep(1);
     }
     return false;
+}
+
+/// `aeroloom-cli ingest` of nothing new: it sends what waits in `work`'s Pending folder.
+std::unique_ptr<QProcess> ingestPending(const QString &work, const QString &base)
+{
+    const QString empty = work + QStringLiteral("-empty");
+    QDir().mkpath(empty);
+    auto client = std::make_unique<QProcess>();
+    client->start(cli(), {QStringLiteral("ingest"), empty, QStringLiteral("--server"), base, QStringLiteral("--no-geocode"),
+                          QStringLiteral("--work"), work});
+    EXPECT_TRUE(client->waitForStarted());
+    return client;
 }
 
 QString ingestOutput(QProcess &client)
@@ -162,13 +175,7 @@ TEST(IngestFaults, TheLibraryStoppingMidUploadIsRetriedThenFailsClearlyAndALater
     const QString work = dir.filePath("work");
     const QString library = dir.filePath("library");
     const qint64 big = 250'000'000;  // sparse: cheap to make, long enough to read
-    QDir().mkpath(dir.filePath("empty"));
-    auto ingest = [&](const QString &base) {
-        auto client = std::make_unique<QProcess>();
-        client->start(cli(), {"ingest", dir.filePath("empty"), "--server", base, "--no-geocode", "--work", work});
-        EXPECT_TRUE(client->waitForStarted());
-        return client;
-    };
+    auto ingest = [&](const QString &base) { return ingestPending(work, base); };
 
     // The library dies during the proxy and is back before the first retry: the same run finishes.
     const QString first = pendingFlight(work, "20240102_050000_0001", big);
@@ -262,4 +269,33 @@ TEST(IngestFaults, ACardPulledOutFailsOnlyItsOwnRowsAndLeavesNothingBehind)
     }
     EXPECT_EQ(window.finishedSummary(), "1 flight added to your library, 4 didn't make it — try again any time.");
     EXPECT_EQ(jsonOf(server.client()->Get("/api/flights"))["ids"], nlohmann::json::parse(R"(["20240103_101010_0042"])"));
+}
+
+TEST(IngestFaults, AFullLibraryFailsTheFlightThatDoesNotFitAndKeepsItForLater)
+{
+    QTemporaryDir dir;
+    const QString work = dir.filePath("work");
+    const QString library = dir.filePath("library");
+    const qint64 proxy = 30'000'000;
+    pendingFlight(work, "20240102_050000_0001", proxy);
+    const QString second = pendingFlight(work, "20240102_050000_0002", proxy);
+    ServerProcess server(library, 0, {"--quota", "45000000"});
+
+    auto run = ingestPending(work, server.base());
+    QString out = ingestOutput(*run);
+    EXPECT_EQ(run->exitCode(), 1) << out.toStdString();
+    EXPECT_TRUE(out.contains("20240102_050000_0001\tDone")) << out.toStdString();
+    static const QRegularExpression full("20240102_050000_0002\tFailed — .*Storage quota exceeded");
+    EXPECT_TRUE(full.match(out).hasMatch()) << out.toStdString();
+    EXPECT_EQ(QFileInfo(second + "/proxy.mp4").size(), proxy) << "the flight waits in Pending";
+    EXPECT_TRUE(QDir(library + "/staging").entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty())
+        << "the library keeps nothing half-sent";
+
+    // The pilot makes room: the next run sends it.
+    httplib::Client http(server.base().toStdString());
+    ASSERT_EQ(http.Delete("/api/flights/20240102_050000_0001")->status, 200);
+    run = ingestPending(work, server.base());
+    out = ingestOutput(*run);
+    EXPECT_EQ(run->exitCode(), 0) << out.toStdString();
+    EXPECT_EQ(sizeInLibrary(library, "20240102_050000_0002"), proxy);
 }
