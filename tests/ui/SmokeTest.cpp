@@ -1,5 +1,6 @@
 // Starts the desktop program headless in each state a person meets first and keeps a picture
 // of every window under <build>/screenshots.
+#include "DjiTelemetry.h"
 #include "RecordingServer.h"
 #include "TestServer.h"
 #include "TestPaths.h"
@@ -19,6 +20,8 @@ struct Launch {
     QString theme;
     QMap<QString, QString> env;
     QStringList storedSettings;  ///< extra lines of the settings file
+    QStringList files = {};      ///< handed to the program as if opened with it
+    bool pendingFlight = false;  ///< a processed flight left from an earlier run
 };
 
 QDir shotsDir()
@@ -40,12 +43,15 @@ int launch(const Launch &l, QString *output)
     for (const QString &line : l.storedSettings)
         ini.write(line.toUtf8() + "\n");
     ini.close();
+    if (l.pendingFlight)
+        makeFlightFolder(home.filePath(QStringLiteral(".local/share/Aeroloom/Pending/20240102_030405_0007")).toStdString());
 
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     for (const char *name : {"SPIKE_BASE", "SPIKE_TOKEN", "SPIKE_USER", "SPIKE_PASS", "SPIKE_SCREEN"})
         env.remove(QString::fromLatin1(name));
     env.insert(QStringLiteral("HOME"), home.path());
     env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral(".config")));
+    env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral(".local/share")));
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     for (auto it = l.env.begin(); it != l.env.end(); ++it)
         env.insert(it.key(), it.value());
@@ -54,7 +60,8 @@ int launch(const Launch &l, QString *output)
     process.setProcessEnvironment(env);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(QStringLiteral(AEROLOOM_APP_BINARY),
-                  {QStringLiteral("--screenshots"), shotsDir().path(), QStringLiteral("--shot-prefix"), l.prefix});
+                  QStringList{QStringLiteral("--screenshots"), shotsDir().path(), QStringLiteral("--shot-prefix"), l.prefix}
+                      + l.files);
     if (!process.waitForFinished(60000)) {
         process.kill();
         process.waitForFinished();
@@ -105,6 +112,23 @@ TEST(Smoke, EveryWindowInEveryFirstState)
     for (const Launch &l : launches) {
         QString output;
         EXPECT_EQ(launch(l, &output), 0) << l.prefix.toStdString() << "\n" << output.toStdString();
+        expectPictures(l.prefix);
+    }
+}
+
+TEST(Smoke, TheImportWindowWithFlightsWaiting)
+{
+    // A card opened with the program, and a flight processed by an earlier run that never got
+    // sent: the window lists both, ready to start.
+    TestServer library;
+    const QString base = QString::fromStdString(library.base());
+    QTemporaryDir dir;
+    const auto card = Fixtures::makeCard(dir.filePath("card"));
+    ASSERT_TRUE(card.ok()) << card.errorText().toStdString();
+    for (const QString theme : {"cockpit", "field"}) {
+        const Launch l{"import-ready-" + theme, theme, {{"SPIKE_BASE", base}}, {}, {card->root}, true};
+        QString output;
+        EXPECT_EQ(launch(l, &output), 0) << output.toStdString();
         expectPictures(l.prefix);
     }
 }

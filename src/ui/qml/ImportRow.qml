@@ -33,9 +33,22 @@ Rectangle {
             implicitWidth: 80
             implicitHeight: 45
             radius: 6
-            color: Theme.letterbox
+            // Until processing makes a still, the kind of file stands in for it.
+            color: still.status === Image.Ready ? Theme.letterbox : Theme.surfaceRaised
+            border.width: still.status === Image.Ready ? 0 : 1
+            border.color: Theme.border
             clip: true
+            Text {
+                anchors.centerIn: parent
+                visible: still.status !== Image.Ready
+                text: row.fileName.lastIndexOf(".") > 0 ? row.fileName.slice(row.fileName.lastIndexOf(".") + 1).toUpperCase() : ""
+                color: Theme.textMuted
+                font.pixelSize: 11
+                font.weight: Font.DemiBold
+                font.letterSpacing: 1
+            }
             Image {
+                id: still
                 anchors.fill: parent
                 source: row.thumb
                 fillMode: Image.PreserveAspectCrop
