@@ -1,9 +1,11 @@
 #include "H264Encoder.h"
 
+#include "CancelToken.h"
 #include "Notifier.h"
 #include "ProcessRunner.h"
 
 #include <QFileInfo>
+#include <QTimer>
 
 #include <optional>
 
@@ -69,7 +71,10 @@ QCoro::Task<H264Encoder> H264Encoder::forMachine(QString ffmpeg)
                             QStringLiteral("testsrc=size=256x256:duration=0.2"), QStringLiteral("-vf"),
                             candidate.filter(QStringLiteral("null"))}
              << candidate.codecOptions << QStringList{QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-")};
-        const auto result = co_await ProcessRunner::run(ffmpeg, args);
+        // A broken driver can hang the test; a candidate that takes this long is no use anyway.
+        CancelToken limit;
+        QTimer::singleShot(std::chrono::seconds(10), &limit, &CancelToken::cancel);
+        const auto result = co_await ProcessRunner::run(ffmpeg, args, {}, &limit);
         if (result && result->status == 0) {
             found = candidate;
             break;
