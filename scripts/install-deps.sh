@@ -18,6 +18,9 @@ packages=(
   libcpp-httplib-dev libsqlite3-dev libssl-dev
   libgtest-dev libgmock-dev
   ffmpeg perl
+  qt6-webengine-dev qml6-module-qtwebengine qml6-module-qtwebchannel
+  libaubio-dev aubio-tools
+  chromium ccache
   xvfb xauth dbus dbus-x11 gnome-keyring libsecret-tools
   fonts-dejavu-core
 )
@@ -27,7 +30,7 @@ for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
 done
 
-# npm fetches ExifTool; a machine that already has node with its own npm keeps it.
+# npm fetches ExifTool and the web packages; a machine that already has node with its own npm keeps it.
 command -v npm >/dev/null 2>&1 || missing+=(nodejs npm)
 
 if [ ${#missing[@]} -gt 0 ]; then
@@ -39,3 +42,4 @@ if [ ${#missing[@]} -gt 0 ]; then
 fi
 
 "$here/scripts/install-exiftool.sh"
+"$here/scripts/install-web.sh"
