@@ -22,56 +22,43 @@ void ClipLightboxModel::saveTrim()
 
 QCoro::Task<> ClipLightboxModel::runKeep()
 {
-    QPointer<ClipLightboxModel> self(this);
-    if (m_busy || !m_clip || !m_browser)
-        co_return;
-    const PoolClip clip = *m_clip;
-    ClipsBrowserStore *store = m_browser->store();
-    setBusy(true);
-    const bool kept = co_await store->keep(clip);
-    if (!self)
-        co_return;
-    store->showToast(kept ? QStringLiteral("Kept — it's your clip now") : QStringLiteral("Keep failed"));
-    if (kept)
-        settleAfter(clip.identity());
-    setBusy(false);
+    return runChange([](ClipsBrowserStore &store, PoolClip clip) { return store.keep(std::move(clip)); },
+                     QStringLiteral("Kept — it's your clip now"), QStringLiteral("Keep failed"));
 }
 
 QCoro::Task<> ClipLightboxModel::runToss()
 {
-    QPointer<ClipLightboxModel> self(this);
-    if (m_busy || !m_clip || !m_browser)
-        co_return;
-    const PoolClip clip = *m_clip;
-    ClipsBrowserStore *store = m_browser->store();
-    setBusy(true);
-    const bool tossed = co_await store->toss(clip);
-    if (!self)
-        co_return;
-    store->showToast(tossed ? QStringLiteral("Tossed — won't be suggested again") : QStringLiteral("Toss failed"));
-    if (tossed)
-        settleAfter(clip.identity());
-    setBusy(false);
+    return runChange([](ClipsBrowserStore &store, PoolClip clip) { return store.toss(std::move(clip)); },
+                     QStringLiteral("Tossed — won't be suggested again"), QStringLiteral("Toss failed"));
 }
 
 QCoro::Task<> ClipLightboxModel::runSaveTrim()
 {
-    QPointer<ClipLightboxModel> self(this);
     const auto draft = m_strip->draft();
-    if (m_busy || !m_clip || !m_browser || !draft)
+    if (!draft || !m_clip)
         co_return;
+    const QString succeeded = ClipPool::isSuggestion(*m_clip) ? QStringLiteral("Trimmed — it's your clip now")
+                                                                : QStringLiteral("Trimmed");
+    // On failure the draft stays for another try.
+    co_await runChange(
+        [draft](ClipsBrowserStore &store, PoolClip clip) { return store.retrim(std::move(clip), draft->start, draft->end); },
+        succeeded, QStringLiteral("Trim failed"));
+}
+
+QCoro::Task<> ClipLightboxModel::runChange(Change change, QString succeeded, QString failed)
+{
+    QPointer<ClipLightboxModel> self(this);
+    if (m_busy || !m_clip || !m_browser)
+        co_return;
+    // The clip in hand now: the pilot may move on while the server answers.
     const PoolClip clip = *m_clip;
     ClipsBrowserStore *store = m_browser->store();
     setBusy(true);
-    const bool trimmed = co_await store->retrim(clip, draft->start, draft->end);
+    const bool done = co_await change(*store, clip);
     if (!self)
         co_return;
-    if (trimmed)
-        store->showToast(ClipPool::isSuggestion(clip) ? QStringLiteral("Trimmed — it's your clip now")
-                                                       : QStringLiteral("Trimmed"));
-    else
-        store->showToast(QStringLiteral("Trim failed"));  // the draft stays for another try
-    if (trimmed)
+    store->showToast(done ? succeeded : failed);
+    if (done)
         settleAfter(clip.identity());
     setBusy(false);
 }
@@ -100,8 +87,11 @@ void ClipLightboxModel::settleAfter(const QString &identity)
         if (i != m_shownIndex) {
             m_browser->setLightboxIndex(i);
         } else {
-            // The same clip in the same place: its marks change, the playback goes on.
+            // The same clip in the same place: it takes its new marks and bounds (a trim of its
+            // end keeps its identity), and the playback goes on.
             m_clip = clips[i];
+            m_strip->setClip(m_strip->source(), m_strip->ffmpegHeaders(), m_clip->start, m_clip->end);
+            m_engine->setBounds(m_clip->start, m_clip->end);
             Q_EMIT clipChanged();
             Q_EMIT dirtyChanged();
         }

@@ -10,9 +10,11 @@
 
 #include <QCoroTask>
 
+#include <functional>
 #include <optional>
 
 class ClipsBrowserModel;
+class ClipsBrowserStore;
 
 /// @brief The clips section's full-window viewer: one visible clip at a time, looping (or
 /// moving on by itself in "play all"), with its telemetry, keep and toss for suggestions, and
@@ -99,6 +101,10 @@ Q_SIGNALS:
     void hqChanged();
 
 private:
+    using Change = std::function<QCoro::Task<bool>(ClipsBrowserStore &, PoolClip)>;
+
+    /// Runs one change of the clip in hand through the store, says how it went, and settles.
+    QCoro::Task<> runChange(Change change, QString succeeded, QString failed);
     void follow();
     void showClip();
     void moveTo(int index);

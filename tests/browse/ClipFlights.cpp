@@ -3,6 +3,8 @@
 #include "FlightFile.h"
 #include "SampleMaker.h"
 
+#include "CoroTest.h"
+
 #include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
@@ -40,4 +42,34 @@ nlohmann::ordered_json clipEntry(const std::string &id, double in, double out, c
 nlohmann::json storedClips(const TestServer &server, const std::string &flightId)
 {
     return jsonOf(server.client()->Get(("/flights/" + flightId + "/clips.json").c_str()));
+}
+
+std::vector<ClipFlight> TwoFlights::flights()
+{
+    return {
+        {lagoon, "Saltmarsh Lagoon", false,
+         {{"clips", {clipEntry("c1", 2, 5, "Lagoon pass"), clipEntry("s1", 6, 8.5, "", "Orbit · 270° around one point")}},
+          {"note", "kept by the server"}}},
+        {ridge, "Cedar Ridge", true,
+         {{"clips", {clipEntry("s2", 4, 6.5, "Ridge climb", "Climb · 40 m"), clipEntry("c1", 1, 3, "Ridge top")}}}},
+    };
+}
+
+ClipsSection::ClipsSection(const std::vector<ClipFlight> &flights, std::chrono::milliseconds toastStand,
+                           QSettings *settings)
+{
+    putClipFlights(server, flights);
+    client = std::make_shared<APIClient>(QString::fromStdString(server.base()), std::nullopt);
+    store = std::make_unique<ClipsBrowserStore>(client, nullptr, toastStand);
+    browser = std::make_unique<ClipsBrowserModel>(store.get(), settings);
+    run(store->reload());
+}
+
+ClipsSection::~ClipsSection()
+{
+    browser.reset();
+    store.reset();
+    client->network()->clearConnectionCache();
+    client.reset();
+    waitUntil([] { return false; }, 20);
 }

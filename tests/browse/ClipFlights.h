@@ -1,11 +1,18 @@
 #pragma once
 
+#include "APIClient.h"
+#include "ClipsBrowserModel.h"
+#include "ClipsBrowserStore.h"
 #include "TestServer.h"
 
 #include <nlohmann/json.hpp>
 
+#include <chrono>
+#include <memory>
 #include <string>
 #include <vector>
+
+class QSettings;
 
 /// A flight for the clips tests: its id carries its date, and `clips` is its whole clips.json.
 struct ClipFlight {
@@ -25,3 +32,26 @@ nlohmann::ordered_json clipEntry(const std::string &id, double in, double out, c
 
 /// The flight's clips.json as the server now holds it.
 nlohmann::json storedClips(const TestServer &server, const std::string &flightId);
+
+/// Two flights of clips, shown in this order (newest flight first, then by start):
+/// Cedar Ridge (upright video) c1 1–3 s and the suggestion s2 4–6.5 s; Saltmarsh Lagoon (wide)
+/// c1 2–5 s and the suggestion s1 6–8.5 s. The lagoon's clips.json carries a key of its own.
+namespace TwoFlights {
+inline const std::string lagoon = "20240512_093000_0001";
+inline const std::string ridge = "20240601_184512_0002";
+[[nodiscard]] std::vector<ClipFlight> flights();
+} // namespace TwoFlights
+
+/// The clips section over a real library: a server holding `flights`, a client of it, and the
+/// section's store and model, loaded.
+struct ClipsSection {
+    TestServer server;
+    std::shared_ptr<APIClient> client;
+    std::unique_ptr<ClipsBrowserStore> store;
+    std::unique_ptr<ClipsBrowserModel> browser;
+
+    explicit ClipsSection(const std::vector<ClipFlight> &flights, std::chrono::milliseconds toastStand = Toast::standTime,
+                          QSettings *settings = nullptr);
+    /// Kept-alive connections close before the server stops, so its stop doesn't wait them out.
+    ~ClipsSection();
+};

@@ -1,9 +1,6 @@
 // The clips section against a real library server: the pool, keep, toss and retrim reaching the
 // flights' clips.json, picks made into a story, and the section's controls.
-#include "APIClient.h"
 #include "ClipFlights.h"
-#include "ClipsBrowserModel.h"
-#include "ClipsBrowserStore.h"
 #include "CoroTest.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +10,8 @@
 #include <QTemporaryDir>
 
 namespace {
-const std::string lagoon = "20240512_093000_0001";  // the older flight, wide
-const std::string ridge = "20240601_184512_0002";   // the newer one, shot upright
+using TwoFlights::lagoon;
+using TwoFlights::ridge;
 
 QStringList keys(const QList<PoolClip> &clips)
 {
@@ -27,36 +24,13 @@ QStringList keys(const QList<PoolClip> &clips)
 class ClipsLibrary : public ::testing::Test
 {
 protected:
-    TestServer server;
     QTemporaryDir dir;
     QSettings settings{dir.filePath("prefs.ini"), QSettings::IniFormat};
-    std::shared_ptr<APIClient> client;
-    std::unique_ptr<ClipsBrowserStore> store;
-    std::unique_ptr<ClipsBrowserModel> model;
+    ClipsSection section{TwoFlights::flights(), std::chrono::milliseconds(80), &settings};
+    TestServer &server = section.server;
+    ClipsBrowserStore *store = section.store.get();
+    ClipsBrowserModel *model = section.browser.get();
 
-    void SetUp() override
-    {
-        putClipFlights(server, {
-            {lagoon, "Saltmarsh Lagoon", false,
-             {{"clips", {clipEntry("c1", 2, 5, "Lagoon pass"), clipEntry("s1", 6, 9, "", "Orbit · 270° around one point")}},
-              {"note", "kept by the server"}}},
-            {ridge, "Cedar Ridge", true,
-             {{"clips", {clipEntry("s2", 4, 7, "Ridge climb", "Climb · 40 m"), clipEntry("c1", 1, 3, "Ridge top")}}}},
-        });
-        client = std::make_shared<APIClient>(QString::fromStdString(server.base()), std::nullopt);
-        store = std::make_unique<ClipsBrowserStore>(client, nullptr, std::chrono::milliseconds(80));
-        model = std::make_unique<ClipsBrowserModel>(store.get(), &settings);
-        run(store->reload());
-    }
-    void TearDown() override
-    {
-        // Kept-alive connections close before the server stops, so its stop doesn't wait them out.
-        model.reset();
-        store.reset();
-        client->network()->clearConnectionCache();
-        client.reset();
-        waitUntil([] { return false; }, 20);
-    }
     PoolClip clip(const QString &identity) const
     {
         for (const PoolClip &c : store->all())
@@ -74,7 +48,7 @@ TEST_F(ClipsLibrary, TheWholePoolNewestFlightFirstInPlaceGroups)
     EXPECT_EQ(model->screen(), "content");
     EXPECT_EQ(keys(store->all()), QStringList({"20240601_184512_0002-c1-1.0", "20240601_184512_0002-s2-4.0",
                                                "20240512_093000_0001-c1-2.0", "20240512_093000_0001-s1-6.0"}));
-    EXPECT_EQ(model->countLine(), "4 clips · 0:11 of footage");
+    EXPECT_EQ(model->countLine(), "4 clips · 0:10 of footage");
     EXPECT_EQ(model->placeLine(), "2 places");
     ASSERT_EQ(model->groups().size(), 2);
     EXPECT_EQ(model->groups()[0].label, "Cedar Ridge");  // two each: by name
@@ -87,7 +61,7 @@ TEST_F(ClipsLibrary, TheWholePoolNewestFlightFirstInPlaceGroups)
     EXPECT_EQ(model->group(), "month");
 
     // The controls are kept for the next start.
-    ClipsBrowserModel again(store.get(), &settings);
+    ClipsBrowserModel again(store, &settings);
     EXPECT_EQ(again.filter(), "suggested");
     EXPECT_EQ(again.group(), "month");
 }
@@ -109,7 +83,7 @@ TEST_F(ClipsLibrary, KeepTossAndRetrimReachTheServer)
     EXPECT_FALSE(keys(store->all()).contains(s2));
     stored = storedClips(server, ridge);
     ASSERT_EQ(stored["clips"].size(), 1u);
-    EXPECT_EQ(stored["dismissed"], nlohmann::json::parse(R"([{"in":4.0,"out":7.0}])"));
+    EXPECT_EQ(stored["dismissed"], nlohmann::json::parse(R"([{"in":4.0,"out":6.5}])"));
 
     // Times go in hundredths; the clip's picture is named after its new start.
     ASSERT_TRUE(run(store->retrim(clip(c1), 2.344, 5.996)));
@@ -139,7 +113,7 @@ TEST_F(ClipsLibrary, AChangeThatFailsSaysSoAndChangesNothing)
 
 TEST_F(ClipsLibrary, PicksBecomeAStoryOnTheServer)
 {
-    QSignalSpy created(model.get(), &ClipsBrowserModel::storyCreated);
+    QSignalSpy created(model, &ClipsBrowserModel::storyCreated);
     model->toggleSelecting();
     model->press(QString::fromStdString(lagoon) + "-s1-6.0");
     model->press(QString::fromStdString(lagoon) + "-c1-2.0");
