@@ -94,6 +94,7 @@ void MpvPlayer::replaceItem(const QUrl &url, const QStringList &headers)
     m_firstFrameSeen = false;
     m_entry = -1;
     m_lastError.clear();
+    m_resumeAt = notKnown();
     setDuration(notKnown());
     setPausedLocally(true);
     if (!m_mpv) {
@@ -121,7 +122,11 @@ void MpvPlayer::sendLoad()
     mpv_set_property_async(m_mpv, tagFor(Request::Headers, m_nextRequest), MpvProperties::httpHeaderFields,
                            MPV_FORMAT_NODE, headerNode.node());
     const QByteArray target = (m_url.isLocalFile() ? m_url.toLocalFile() : m_url.toString(QUrl::FullyEncoded)).toUtf8();
-    const char *load[] = {MpvProperties::loadfile, target.constData(), MpvProperties::loadReplace, nullptr};
+    const QByteArray start = std::isfinite(m_resumeAt) ? MpvProperties::loadStart + QByteArray::number(m_resumeAt, 'f', 6)
+                                                       : QByteArray();
+    m_resumeAt = notKnown();
+    const char *load[] = {MpvProperties::loadfile, target.constData(), MpvProperties::loadReplace,
+                          start.isEmpty() ? nullptr : start.constData(), nullptr};
     m_loadTag = tagFor(Request::Load, m_nextRequest);
     if (const int sent = mpv_command_async(m_mpv, m_loadTag, load); sent < 0)
         fail(QString::fromUtf8(mpv_error_string(sent)));
@@ -149,6 +154,26 @@ void MpvPlayer::attachRenderer()
         const char *reload[] = {MpvProperties::videoReload, nullptr};
         mpv_command_async(m_mpv, 0, reload);
     }
+}
+
+void MpvPlayer::detachRenderer()
+{
+    m_rendererAttached = false;
+    if (m_loaded)
+        m_resumeAt = currentTime();
+}
+
+void MpvPlayer::waitForRenderer()
+{
+    m_loadSent = false;
+    m_loaded = false;
+    m_entry = -1;
+    // A seek under way went with the file: it is sent again once the file is open again.
+    if (m_seek)
+        m_seek->stage = SeekStage::WaitingForFile;
+    // The next item may have attached before mpv told of the loss.
+    if (m_rendererAttached)
+        sendLoad();
 }
 
 mpv_handle *MpvPlayer::createRenderClient() const
@@ -418,6 +443,8 @@ void MpvPlayer::handleEndFile(const mpv_event &event)
         finishSeek(false);
         return;
     }
+    if (end->error == MPV_ERROR_VO_INIT_FAILED && m_output == Output::Render)
+        return waitForRenderer();
     QString reason = QString::fromUtf8(mpv_error_string(end->error));
     if (!m_lastError.isEmpty())
         reason += QStringLiteral(": ") + m_lastError;

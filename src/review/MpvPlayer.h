@@ -63,6 +63,9 @@ public:
     /// The render item has made its render context: a file waiting for video loads now, and
     /// one whose video went with an earlier item's context gets it back.
     void attachRenderer();
+    /// The render item that attached is letting go. mpv ends a file whose video output goes
+    /// away; the player notes where it stood and opens it there again for the next item.
+    void detachRenderer();
 
 private:
     /// The one seek still owed a completion, and how far mpv has got with it: waiting for the
@@ -81,6 +84,7 @@ private:
     void finishSeek(bool finished);
     void setPausedLocally(bool paused);
     void fail(const QString &reason);
+    void waitForRenderer();
     void setDuration(double seconds);
     void updatePlaying();
 
@@ -111,6 +115,7 @@ private:
     bool m_loaded = false;       ///< the latest file is open and seekable
     bool m_firstFrameSeen = false;
     QString m_lastError;         ///< mpv's latest error message for the latest file
+    double m_resumeAt = notKnown(); ///< where a file reopened for a new render item starts
 
     bool m_paused = true;
     bool m_playing = false;

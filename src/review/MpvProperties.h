@@ -19,6 +19,8 @@ inline constexpr char httpHeaderFields[] = "http-header-fields";
 // Commands.
 inline constexpr char loadfile[] = "loadfile";
 inline constexpr char loadReplace[] = "replace";
+/// loadfile's per-file option: where the file starts, in seconds.
+inline constexpr char loadStart[] = "start=";
 inline constexpr char seek[] = "seek";
 inline constexpr char stop[] = "stop";
 /// Brings a video output back after the render context it drew into was freed.
