@@ -1,7 +1,8 @@
 // The clips section on screen, end to end: a real library with its sample flights (each with a
-// suggestion), the section's QML drawn offscreen, the lightbox playing a clip through the real
-// player with its filmstrip made by ffmpeg, and the trim sheet a story opens. Saves pictures in
-// both palettes into <build>/screenshots.
+// suggestion), the section's QML drawn offscreen (or with OpenGL on the virtual display when
+// AEROLOOM_VIDEO_GL=1), the lightbox playing a clip through the real player with its filmstrip
+// made by ffmpeg, and the trim sheet a story opens. Saves pictures in both palettes into
+// <build>/screenshots.
 #include "APIClient.h"
 #include "AuthedImageItem.h"
 #include "BrowseTypes.h"
@@ -30,6 +31,11 @@
 #include <QTemporaryDir>
 
 namespace {
+bool withOpenGL()
+{
+    return qEnvironmentVariable("AEROLOOM_VIDEO_GL") == QLatin1String("1");
+}
+
 class ClipsView : public ::testing::Test
 {
 protected:
@@ -63,7 +69,7 @@ protected:
         static bool registered = false;
         if (!registered) {
             registered = true;
-            QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+            QQuickWindow::setGraphicsApi(withOpenGL() ? QSGRendererInterface::OpenGL : QSGRendererInterface::Software);
             registerBrowseTypes();
             registerReviewTypes();
             registerLightboxTypes();
@@ -107,7 +113,7 @@ protected:
         QQuickItem *found = QuickShots::findItem(view->contentItem(), name);
         return found && found->isVisible() ? found : nullptr;
     }
-    void shoot(const QString &name) { QuickShots::save(*view, name); }
+    void shoot(const QString &name) { QuickShots::save(*view, withOpenGL() ? name + "-gl" : name); }
     /// Waits until the video item shows something other than black.
     bool videoShows(const QString &name)
     {

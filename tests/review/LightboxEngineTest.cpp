@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 
 #include <cmath>
@@ -226,8 +227,9 @@ TEST(ClipFilmstrip, ADragNeverHasTwoSeeksInFlight)
     }
     const int sent = int(rig.player->seeks.size()) - before;
     EXPECT_EQ(rig.player->mostOutstanding, 1);
-    EXPECT_GE(sent, 4);  // about one per 200 ms, skipping what moved meanwhile
-    EXPECT_LE(sent, 6);
+    // About one per 200 ms, skipping what moved meanwhile (a busy machine makes fewer).
+    EXPECT_GE(sent, 2);
+    EXPECT_LE(sent, int(clock.elapsed() / 200) + 1);
     // The next free seek went straight to where the handle then stood.
     ASSERT_TRUE(waitUntil([&] { return !rig.engine.seeking(); }));
     rig.strip.dragChanged(750, x + 4);
