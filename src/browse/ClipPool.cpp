@@ -6,7 +6,6 @@
 
 #include <QDate>
 #include <QHash>
-#include <QSet>
 
 #include <algorithm>
 #include <cmath>

@@ -157,7 +157,6 @@ QVariantMap ClipsBrowserModel::card(const PoolClip &clip) const
     const auto &client = m_store->client();
     return {
         {QStringLiteral("key"), key},
-        {QStringLiteral("index"), m_visibleIndex.value(key, -1)},
         {QStringLiteral("title"), clip.label.isEmpty() ? QStringLiteral("Untitled") : clip.label},
         {QStringLiteral("lengthText"), QString::asprintf("%.1f s", std::max(0.0, clip.end - clip.start))},
         {QStringLiteral("placeText"), clip.place.value_or(QStringLiteral("Unknown place"))},

@@ -161,6 +161,10 @@ ClipsBrowserView {
     browser->toggleSelecting();
     browser->press(browser->visible()[0].identity());
     browser->press(browser->visible()[3].identity());
+    ASSERT_TRUE(waitUntil([&] {
+        QQuickItem *bar = item("selectionBar");
+        return bar && bar->height() >= bar->implicitHeight() - 0.5;
+    }));
     shoot("clips-select-light");
     browser->cancelSelecting();
     browser->setGroup("place");

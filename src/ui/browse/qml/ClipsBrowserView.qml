@@ -50,9 +50,14 @@ Rectangle {
 
         ClipsHeader { Layout.fillWidth: true; browser: clipsView.browser }
         ClipsSelectionBar {
+            objectName: "selectionBar"
             Layout.fillWidth: true
+            // Folds away with a soft spring when selection ends (a story made, or "Done").
+            Layout.preferredHeight: clipsView.browser.selecting ? implicitHeight : 0
+            Behavior on Layout.preferredHeight { SpringAnimation { spring: 4; damping: 0.45 } }
+            visible: Layout.preferredHeight > 0.5
+            clip: true
             browser: clipsView.browser
-            visible: clipsView.browser.selecting
         }
 
         ClipsGrid {
