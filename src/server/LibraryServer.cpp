@@ -161,6 +161,7 @@ void LibraryServer::Impl::routes()
     Routes::addFiles(http, *context);
     Routes::addClips(http, *context);
     Routes::addStories(http, *context);
+    Routes::addAutoreel(http, *context);
     Routes::addSamples(http, *context);
     Routes::addMusic(http, *context);
 }
