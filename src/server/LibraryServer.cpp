@@ -203,7 +203,8 @@ Result<void> LibraryServer::open()
     d->auth = std::make_unique<Authenticator>(d->config, *d->tokens);
     d->device = std::make_unique<DeviceSignIn>(d->config, *d->library, *d->tokens);
     d->music = std::make_unique<MusicMaker>(*d->library);
-    d->analyst = std::make_unique<FlightAnalyst>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
+    d->analyst =
+        std::make_unique<FlightAnalyst>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
                                        *d->auth, *d->device, *d->music, *d->analyst});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
