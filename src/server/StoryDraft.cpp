@@ -82,11 +82,12 @@ void StoryDraft::fill(std::vector<ReelPiece> candidates, double pieceLength)
         candidates.erase(pick);
         ReelPiece piece = cut(uncut, pieceLength);
 
-        const bool repeats = overlapsChosen(piece, m_chosen.size());
         const double room = m_target - total;
+        if (!clearOfChosen(piece, m_chosen.size()))
+            continue;
         if (piece.length() > room)
             piece.end = piece.start + room;
-        if (repeats || piece.length() < shortestPiece)
+        if (piece.length() < shortestPiece)
             continue;
         piece.start = hundredths(piece.start);
         piece.end = hundredths(piece.end);
@@ -110,7 +111,7 @@ void StoryDraft::stretch()
         const double middle = (piece.start + piece.end) / 2;
         piece.start = hundredths(std::clamp(middle - grown / 2, uncut.start, uncut.end - grown));
         piece.end = hundredths(std::min(piece.start + grown, uncut.end));
-        if (overlapsChosen(piece, i)) {
+        if (!clearOfChosen(piece, i) || piece.length() < before.length()) {
             piece = before;
             continue;
         }
@@ -118,14 +119,20 @@ void StoryDraft::stretch()
     }
 }
 
-bool StoryDraft::overlapsChosen(const ReelPiece &piece, std::size_t except) const
+bool StoryDraft::clearOfChosen(ReelPiece &piece, std::size_t except) const
 {
     for (std::size_t i = 0; i < m_chosen.size(); ++i) {
         const ReelPiece &c = m_chosen[i];
-        if (i != except && c.flightId == piece.flightId && Shots::sameStretch(c.start, c.end, piece.start, piece.end))
-            return true;
+        if (i == except || c.flightId != piece.flightId || c.end <= piece.start || piece.end <= c.start)
+            continue;
+        if (Shots::sameStretch(c.start, c.end, piece.start, piece.end))
+            return false;
+        if (c.start <= piece.start)
+            piece.start = c.end;
+        else
+            piece.end = c.start;
     }
-    return false;
+    return piece.length() >= shortestPiece;
 }
 
 double StoryDraft::length() const

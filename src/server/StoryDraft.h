@@ -31,8 +31,9 @@ private:
     [[nodiscard]] static std::vector<ReelPiece> oneKind(std::vector<ReelPiece> pieces, double pieceLength);
     void fill(std::vector<ReelPiece> candidates, double pieceLength);
     void stretch();
-    /// Whether `piece` is the same stretch as a chosen piece other than the one at `except`.
-    [[nodiscard]] bool overlapsChosen(const ReelPiece &piece, std::size_t except) const;
+    /// Trims `piece` off the footage of the chosen pieces (but the one at `except`), so no frame
+    /// shows twice; false when it is the same stretch as one of them, or too little is left.
+    [[nodiscard]] bool clearOfChosen(ReelPiece &piece, std::size_t except) const;
 
     double m_target;
     std::vector<ReelPiece> m_chosen;

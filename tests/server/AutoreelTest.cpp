@@ -57,6 +57,19 @@ std::set<QString> flightsOf(const Project &story)
     return ids;
 }
 
+/// No two items of one flight share footage.
+void expectNoFrameTwice(const Project &story)
+{
+    for (qsizetype i = 0; i < story.items.size(); ++i) {
+        for (qsizetype j = i + 1; j < story.items.size(); ++j) {
+            const ReelItem &a = story.items[i], &b = story.items[j];
+            if (a.flightId != b.flightId)
+                continue;
+            EXPECT_TRUE(a.end <= b.start || b.end <= a.start) << a.label.toStdString() << " and " << b.label.toStdString();
+        }
+    }
+}
+
 class Autoreel : public ::testing::Test
 {
 protected:
@@ -137,6 +150,10 @@ TEST_F(Autoreel, TheTargetSetsTheLengthAsFarAsTheFootageGoes)
     EXPECT_NEAR(shortStory, 15, 1.0);
     // The flight has 40 s of shots and 4 s of the pilot's: all of it, and no more.
     EXPECT_NEAR(longStory, 44, 2.0);
+    // The harbour's top-down view runs into its reveal: the story shows their frames once.
+    const Project harbourStory = draft(120, QStringList{QString::fromStdString(harbour)});
+    EXPECT_EQ(harbourStory.items.size(), 5);
+    expectNoFrameTwice(harbourStory);
 }
 
 TEST_F(Autoreel, NothingToDrawFromIsAFailureTheClientReports)
