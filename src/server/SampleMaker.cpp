@@ -72,7 +72,6 @@ Result<void> makeMedia(const fs::path &folder, const Sample &sample, int seconds
                          QString::fromStdString((folder / "thumb.jpg").string())});
 }
 
-/// A sample's clips: one kept, as a pilot would have marked it, and what the analysis suggests.
 /// The gimbal over the flight: level-ish, then down to the ground, then up to the horizon.
 double gimbalPitch(double phase)
 {
@@ -85,6 +84,7 @@ double gimbalPitch(double phase)
     return -70.0 + 65.0 * (phase - 0.88) / 0.12;
 }
 
+/// A sample's clips: one kept, as a pilot would have marked it, and what the analysis suggests.
 ordered_json clipsFile(int seconds, const std::vector<Shot> &shots, int &suggested)
 {
     const double s = seconds;
