@@ -14,6 +14,11 @@
 #include "MountWatcher.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
+#include "ReelsHubModel.h"
+#include "ReelsStore.h"
+#include "StoriesTypes.h"
+#include "StoryDevHooks.h"
+#include "StoryNavigator.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
 #include "ThemeManager.h"
@@ -114,6 +119,19 @@ int main(int argc, char *argv[])
     QObject::connect(&gallery, &GalleryStore::logOutRequested, &appModel, [&] { appModel.signOut(); });
     registerBrowseTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
+
+    // The stories section, and the way to a story from wherever one is made.
+    ReelsStore reels(appModel.client());
+    reels.setHqPlayback(playback.hq());
+    QObject::connect(&playback, &PlaybackQuality::hqChanged, &reels, [&] { reels.setHqPlayback(playback.hq()); });
+    QObject::connect(&appModel, &AppModel::clientChanged, &reels, [&] { reels.setClient(appModel.client()); });
+    StoryNavigator navigator(&reels);
+    StoryDevHooks storyHooks;
+    ReelsHubModel storiesHub(&reels, &gallerySettings, &navigator, &storyHooks);
+    QObject::connect(&gallery, &GalleryStore::storyCreated, &navigator, &StoryNavigator::openStory);
+    registerStoriesTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,

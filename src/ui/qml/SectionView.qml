@@ -4,7 +4,9 @@ import QtQuick
 import QtQuick.Layouts
 import Aeroloom.Services
 import Aeroloom.Browse
+import Aeroloom.Stories
 import "qrc:/aeroloom/browse"
+import "qrc:/aeroloom/stories"
 
 Rectangle {
     id: sectionView
@@ -22,8 +24,18 @@ Rectangle {
         }
     }
 
+    Loader {
+        anchors.fill: parent
+        active: sectionView.section === "reels"
+        sourceComponent: StoriesSection {
+            hub: Reels
+            navigator: Navigator
+            thumbnail: Component { AuthedAsyncImage {} }
+        }
+    }
+
     Text {
-        visible: sectionView.section !== "flights"
+        visible: sectionView.section === "clips"
         x: 32
         y: 28
         text: sectionView.title
