@@ -12,10 +12,12 @@
 #include "IngestQueue.h"
 #include "KeychainCredentialStore.h"
 #include "MountWatcher.h"
+#include "MpvPlayer.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
 #include "ReelsHubModel.h"
 #include "ReelsStore.h"
+#include "ReviewTypes.h"
 #include "StoriesTypes.h"
 #include "StoryDevHooks.h"
 #include "StoryNavigator.h"
@@ -122,6 +124,7 @@ int main(int argc, char *argv[])
 
     // The stories section, and the way to a story from wherever one is made.
     ReelsStore reels(appModel.client());
+    reels.setPlayerFactory([] { return new MpvPlayer(); });
     reels.setHqPlayback(playback.hq());
     QObject::connect(&playback, &PlaybackQuality::hqChanged, &reels, [&] { reels.setHqPlayback(playback.hq()); });
     QObject::connect(&appModel, &AppModel::clientChanged, &reels, [&] { reels.setClient(appModel.client()); });
@@ -129,6 +132,7 @@ int main(int argc, char *argv[])
     StoryDevHooks storyHooks;
     ReelsHubModel storiesHub(&reels, &gallerySettings, &navigator, &storyHooks);
     QObject::connect(&gallery, &GalleryStore::storyCreated, &navigator, &StoryNavigator::openStory);
+    registerReviewTypes();
     registerStoriesTypes();
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);

@@ -2,8 +2,10 @@
 // each in both palettes, saved into <build>/screenshots.
 #include "AuthedImageItem.h"
 #include "ImageCache.h"
+#include "MpvPlayer.h"
 #include "Preferences.h"
 #include "ReelsHubModel.h"
+#include "ReviewTypes.h"
 #include "StoriesFixture.h"
 #include "StoriesTypes.h"
 #include "StoryNavigator.h"
@@ -51,11 +53,13 @@ protected:
         proxy->answer("GET", "/api/shares", 200, nlohmann::json{{"shares", {
             {{"token", "t"}, {"url", "u"}, {"projectId", full}, {"renderId", "r1"}, {"views", 0}, {"hearts", 0}}}}}.dump());
 
+        store->setPlayerFactory([] { return new MpvPlayer(); });
         hub = std::make_unique<ReelsHubModel>(store.get(), &settings, &navigator);
         static bool registered = false;
         if (!registered) {
             registered = true;
             QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+            registerReviewTypes();
             registerStoriesTypes();
             qmlRegisterType<AuthedImageItem>("Aeroloom.Services", 1, 0, "AuthedImageItem");
         }
@@ -195,6 +199,40 @@ TEST_F(StoriesView, AStoryShowsItsItemsTakesClipsAndLetsThemGo)
     navigator.closeStory();
     ASSERT_TRUE(waitUntil([&] { return find("story-", full) != nullptr; }));
     EXPECT_EQ(store->summary(QString::fromStdString(full))->count, 3);
+}
+
+TEST_F(StoriesView, PreviewPlaysTheStoryInItsShape)
+{
+    navigator.openStory(QString::fromStdString(full));
+    ASSERT_TRUE(waitUntil([&] { return find("item-2") != nullptr; }, 10000));
+    press(find("previewButton"));
+    auto *sheet = view->rootObject()->findChild<QObject *>("previewSheet");
+    ASSERT_TRUE(sheet);
+    QObject *sp = nullptr;
+    ASSERT_TRUE(waitUntil([&] { return (sp = sheet->property("sp").value<QObject *>()) != nullptr; }));
+    auto *player = sp->property("player").value<VideoPlayer *>();
+    ASSERT_TRUE(player);
+    // Two of its three clips are vertical footage: the preview starts in the vertical look.
+    EXPECT_TRUE(sheet->property("verticalLook").toBool());
+    ASSERT_TRUE(waitUntil([&] { return player->isPlaying() && player->currentTime() > 0.8; }, 20000));
+    EXPECT_EQ(find("previewPosition")->property("text").toString(), "1 / 3");
+    EXPECT_EQ(find("previewLabel")->property("text").toString(), "Lagoon reveal");
+    QQuickItem *frame = find("previewFrame");
+    ASSERT_TRUE(waitUntil([&] { return std::abs(frame->width() / frame->height() - 0.5625) < 0.01; }));
+    shootBoth("stories-preview-vertical");
+
+    press(find("verticalButton"));
+    ASSERT_TRUE(waitUntil([&] { return std::abs(frame->width() / frame->height() - 16.0 / 9) < 0.01; }, 3000));
+    shootBoth("stories-preview-wide");
+
+    // Closing stops the player; the story goes on to be edited.
+    QPointer<QObject> story(sp);
+    QMetaObject::invokeMethod(sheet, "close");
+    ASSERT_TRUE(waitUntil([&] {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return story.isNull();
+    }));
+    EXPECT_TRUE(find("item-2") != nullptr);
 }
 
 TEST_F(StoriesView, EmptyLibraryAndAStoryThatIsGone)

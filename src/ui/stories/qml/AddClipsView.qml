@@ -4,14 +4,13 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Aeroloom.Services
+import Aeroloom.Review
 import Aeroloom.Stories
 
 StorySheet {
     id: sheet
     required property QtObject reel
     property Component thumbnail: null
-    /// Draws a player's video; it receives `player`.
-    property Component videoSurface: null
     /// The row being previewed, and its player while it plays.
     property int previewRow: -1
     property QtObject segment: null
@@ -81,13 +80,11 @@ StorySheet {
             color: "black"
             radius: 8
             clip: true
-            Loader {
+            MpvVideoItem {
                 anchors.centerIn: parent
                 height: parent.height
                 width: height * 16 / 9
-                active: sheet.segment !== null && sheet.videoSurface !== null
-                sourceComponent: sheet.videoSurface
-                onLoaded: item.player = Qt.binding(() => sheet.segment ? sheet.segment.player : null)
+                player: sheet.segment ? sheet.segment.player : null
             }
         }
 
@@ -165,7 +162,6 @@ StorySheet {
                         StoryButton {
                             text: sheet.previewRow === clipRow.index ? "■" : "▶"
                             plain: true
-                            visible: sheet.videoSurface !== null
                             Accessible.name: "Preview"
                             onClicked: sheet.preview(clipRow.index)
                         }

@@ -15,7 +15,6 @@ Rectangle {
     required property QtObject reel
     property QtObject hooks: null
     property Component thumbnail: null
-    property Component videoSurface: null
     property Component trimSheet: null
     property Component renderSheet: null
     signal backRequested()
@@ -139,7 +138,6 @@ Rectangle {
         objectName: "addClipsSheet"
         reel: content.reel
         thumbnail: content.thumbnail
-        videoSurface: content.videoSurface
         visible: content.showAdd
         onClosed: content.showAdd = false
     }
@@ -147,7 +145,6 @@ Rectangle {
     StoryPreviewView {
         objectName: "previewSheet"
         reel: content.reel
-        videoSurface: content.videoSurface
         storyVertical: content.reel.storyVertical
         visible: content.showPreview
         onClosed: content.showPreview = false

@@ -11,7 +11,6 @@ Rectangle {
     required property string storyId
     property QtObject hooks: null
     property Component thumbnail: null
-    property Component videoSurface: null
     property Component trimSheet: null
     property Component renderSheet: null
     signal backRequested()
@@ -50,7 +49,6 @@ Rectangle {
             reel: detail.reel
             hooks: detailView.hooks
             thumbnail: detailView.thumbnail
-            videoSurface: detailView.videoSurface
             trimSheet: detailView.trimSheet
             renderSheet: detailView.renderSheet
             onBackRequested: detailView.backRequested()

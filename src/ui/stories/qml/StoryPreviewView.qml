@@ -3,13 +3,12 @@ import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
 import Aeroloom.Services
+import Aeroloom.Review
 
 StorySheet {
     id: sheet
     required property QtObject reel
     property bool storyVertical: false
-    /// Draws a player's video; it receives `player`.
-    property Component videoSurface: null
     property bool verticalLook: false
     property QtObject sp: null
 
@@ -49,13 +48,12 @@ StorySheet {
                 clip: true
 
                 // The video keeps its 16:9 shape; in the vertical look the frame crops its sides.
-                Loader {
+                MpvVideoItem {
+                    objectName: "previewVideo"
                     anchors.centerIn: parent
                     height: parent.height
                     width: sheet.verticalLook ? height * 16 / 9 : parent.width
-                    active: sheet.sp !== null && sheet.videoSurface !== null
-                    sourceComponent: sheet.videoSurface
-                    onLoaded: item.player = Qt.binding(() => sheet.sp ? sheet.sp.player : null)
+                    player: sheet.sp ? sheet.sp.player : null
                 }
 
                 Rectangle {
