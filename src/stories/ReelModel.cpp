@@ -193,7 +193,9 @@ void ReelModel::removeRow(int row)
 
 void ReelModel::moveRow(int from, int to)
 {
-    move(QList<int>{from}, to);
+    to = std::clamp(to, 0, int(m_project.items.size()) - 1);
+    // In list-move terms a row going down goes before the one after its new place.
+    move(QList<int>{from}, to > from ? to + 1 : to);
 }
 
 void ReelModel::trimItem(const QString &uid, double start, double end)

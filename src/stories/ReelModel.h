@@ -75,6 +75,7 @@ public:
 
     // For the screens.
     Q_INVOKABLE void removeRow(int row);
+    /// A row dragged from `from` and let go at `to`: it ends there (clamped to the list).
     Q_INVOKABLE void moveRow(int from, int to);
     Q_INVOKABLE void trimItem(const QString &uid, double start, double end);
     Q_INVOKABLE void renameTo(const QString &title) { rename(title); }

@@ -139,6 +139,15 @@ TEST_F(StoryEditing, MovesAndRemovesKeepTheListAndItsRowsInStep)
     reel->move({3}, 1);
     EXPECT_EQ(labels(), (QStringList{"Low pass over the reeds", "Ridge climb", "Sunset orbit", "Lagoon reveal"}));
 
+    // A dragged row ends where it was let go, even past either end.
+    reel->moveRow(0, 2);
+    EXPECT_EQ(labels(), (QStringList{"Ridge climb", "Sunset orbit", "Low pass over the reeds", "Lagoon reveal"}));
+    reel->moveRow(3, -4);
+    EXPECT_EQ(labels(), (QStringList{"Lagoon reveal", "Ridge climb", "Sunset orbit", "Low pass over the reeds"}));
+    reel->moveRow(0, 9);
+    reel->moveRow(2, 0);
+    EXPECT_EQ(labels(), (QStringList{"Low pass over the reeds", "Ridge climb", "Sunset orbit", "Lagoon reveal"}));
+
     // Rows say the same as the story.
     for (int row = 0; row < 4; ++row)
         EXPECT_EQ(reel->items()->index(row).data(ReelItemsModel::LabelRole).toString(), labels()[row]);

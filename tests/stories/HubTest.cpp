@@ -1,5 +1,6 @@
 // The hub's filter, header and states over a real library, and the way to a story from
 // elsewhere.
+#include "GalleryStore.h"
 #include "ReelsHubModel.h"
 #include "StoriesFixture.h"
 #include "StoryDevHooks.h"
@@ -129,6 +130,26 @@ TEST_F(StoriesHub, ANewOrDraftedStoryOpensAndOneMadeElsewhereIsListed)
     EXPECT_EQ(store->toast(), "Story deleted");
     EXPECT_EQ(proxy->count("GET", "/api/renders"), rendersAsked + 1);
     EXPECT_EQ(hub.deleteQuestion("Ridge"), "Delete story “Ridge”?");
+}
+
+TEST_F(StoriesHub, TheGallerysAutoStoryLandsOnTheNewStory)
+{
+    // Wired as the program wires it: the gallery's news goes to the navigator.
+    GalleryStore gallery(client, &settings, nullptr);
+    QObject::connect(&gallery, &GalleryStore::storyCreated, &navigator, &StoryNavigator::openStory);
+    run(gallery.reload());
+    ASSERT_EQ(gallery.flightCount(), 2);
+
+    const std::string drafted = makeStory("Auto: Cedar Ridge", nlohmann::json::array({
+        item("20240601_184512_0002", "c3", 1.0, 2.5, "Ridge climb")}));
+    proxy->answer("POST", "/api/autoreel", 200, serverStory(drafted).dump());
+    gallery.setSelecting(true);
+    gallery.press("20240601_184512_0002");
+    run(gallery.runAutoStory(30));
+    EXPECT_EQ(navigator.section(), "reels");
+    EXPECT_EQ(navigator.openedStoryId().toStdString(), drafted);
+    // The hub behind it lists the new story once its reload is back.
+    ASSERT_TRUE(waitUntil([&] { return store->summary(QString::fromStdString(drafted)).has_value(); }));
 }
 
 TEST_F(StoriesHub, TheStoryAidOpensOnceTheListIsThere)

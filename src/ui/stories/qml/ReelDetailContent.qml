@@ -126,7 +126,7 @@ Rectangle {
                     width: list.width
                     thumbnail: content.thumbnail
                     canTrim: content.trimSheet !== null
-                    onDropped: (from, to) => content.reel.moveRow(from, to > from ? Math.min(to, list.count - 1) + 1 : Math.max(to, 0))
+                    onDropped: (from, to) => content.reel.moveRow(from, to)
                     onTrimRequested: content.trimming = uid
                     onRemoveRequested: content.reel.removeRow(index)
                 }

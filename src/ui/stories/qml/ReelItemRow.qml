@@ -14,7 +14,7 @@ Item {
     required property bool inLibrary
     property Component thumbnail: null
     property bool canTrim: false
-    /// How far the row was dragged, in rows, when let go.
+    /// The row was dragged from `from` and let go over row `to`.
     signal dropped(int from, int to)
     signal trimRequested()
     signal removeRequested()
