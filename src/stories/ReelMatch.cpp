@@ -11,6 +11,17 @@ bool sameClip(const ReelItem &item, const PoolClip &clip)
     return item.clipId == clip.clipId || std::abs(item.start - clip.start) < 0.05;
 }
 
+ReelItem itemOf(const PoolClip &clip)
+{
+    ReelItem item;
+    item.flightId = clip.flightId;
+    item.clipId = clip.clipId;
+    item.start = clip.start;
+    item.end = clip.end;
+    item.label = clip.label;
+    return item;
+}
+
 std::optional<PoolClip> poolClip(const ReelItem &item, const QList<PoolClip> &pool)
 {
     for (const PoolClip &clip : pool)

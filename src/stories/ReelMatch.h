@@ -15,6 +15,8 @@
 /// "Hide added" relies on that.
 namespace ReelMatch {
 [[nodiscard]] bool sameClip(const ReelItem &item, const PoolClip &clip);
+/// A new item of a story for this clip, with a fresh uid.
+[[nodiscard]] ReelItem itemOf(const PoolClip &clip);
 /// The first clip of `pool` that is the item's clip.
 [[nodiscard]] std::optional<PoolClip> poolClip(const ReelItem &item, const QList<PoolClip> &pool);
 /// How many items of the story are this clip.

@@ -60,15 +60,9 @@ int ReelModel::rowOf(const QUuid &uid) const
 
 void ReelModel::add(const PoolClip &clip)
 {
-    ReelItem item;
-    item.flightId = clip.flightId;
-    item.clipId = clip.clipId;
-    item.start = clip.start;
-    item.end = clip.end;
-    item.label = clip.label;
     const int row = int(m_project.items.size());
     m_rows->aboutToInsert(row);
-    m_project.items.append(std::move(item));
+    m_project.items.append(ReelMatch::itemOf(clip));
     m_rows->inserted();
     Q_EMIT itemsChanged();
     save();

@@ -1,5 +1,6 @@
 // Story preview on the real libmpv player (no window, no sound) streaming the proxies of a real
 // library: the clips play in order from one player, and the file changes only with the flight.
+#include "ReelMatch.h"
 #include "ReelModel.h"
 #include "SegmentPlayer.h"
 #include "StoriesFixture.h"
@@ -44,15 +45,8 @@ TEST_F(StoryPreview, PlaysClipsOfTwoFlightsInOrderAndSwapsTheFileOncePerFlightCh
     Project project;
     project.id = "p";
     for (const PoolClip &clip : store->pool())
-        if (clip.clipId == "c1" || clip.clipId == "c2" || clip.clipId == "c3") {
-            ReelItem item;
-            item.flightId = clip.flightId;
-            item.clipId = clip.clipId;
-            item.start = clip.start;
-            item.end = clip.end;
-            item.label = clip.label;
-            project.items.append(item);
-        }
+        if (clip.clipId == "c1" || clip.clipId == "c2" || clip.clipId == "c3")
+            project.items.append(ReelMatch::itemOf(clip));
     std::sort(project.items.begin(), project.items.end(), [](const ReelItem &a, const ReelItem &b) { return a.clipId < b.clipId; });
     ReelModel reel(project, store.get());
     const QList<ClipPreview> clips = reel.previewClips();

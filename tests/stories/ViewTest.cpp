@@ -221,8 +221,15 @@ TEST_F(StoriesView, PreviewPlaysTheStoryInItsShape)
     ASSERT_TRUE(waitUntil([&] { return std::abs(frame->width() / frame->height() - 0.5625) < 0.01; }));
     shootBoth("stories-preview-vertical");
 
+    // The look is the frame's alone: the same player, file and clip go on.
+    const QUrl file = player->currentUrl();
+    const int index = sp->property("index").toInt();
     press(find("verticalButton"));
     ASSERT_TRUE(waitUntil([&] { return std::abs(frame->width() / frame->height() - 16.0 / 9) < 0.01; }, 3000));
+    EXPECT_EQ(sp->property("player").value<VideoPlayer *>(), player);
+    if (sp->property("index").toInt() == index) {
+        EXPECT_EQ(player->currentUrl(), file);
+    }
     shootBoth("stories-preview-wide");
 
     // Closing stops the player; the story goes on to be edited.
