@@ -183,8 +183,21 @@ TEST_F(StoriesView, AStoryShowsItsItemsTakesClipsAndLetsThemGo)
             lowPass = row;
     }
     ASSERT_TRUE(lowPass);
+    // Its preview loops the clip silently above the list.
+    press(findItem(lowPass, "previewClip"));
+    auto *picker = view->rootObject()->findChild<QObject *>("addClipsSheet");
+    QObject *segment = nullptr;
+    ASSERT_TRUE(waitUntil([&] { return (segment = picker->property("segment").value<QObject *>()) != nullptr; }));
+    auto *looping = segment->property("player").value<VideoPlayer *>();
+    ASSERT_TRUE(waitUntil([&] { return looping->isPlaying() && looping->currentTime() > 3.3; }, 20000));
+    EXPECT_TRUE(looping->isMuted());
+    shootBoth("stories-add-clips-preview");
+    press(findItem(lowPass, "previewClip"));
+    EXPECT_EQ(picker->property("segment").value<QObject *>(), nullptr);
+
     press(findItem(lowPass, "addButton"));
     ASSERT_TRUE(waitUntil([&] { return showing("storyToast") && store->toast() == "Added to story"; }));
+    shootBoth("stories-added");
     ASSERT_TRUE(waitUntil([&] { return serverStory(full)["items"].size() == 4; }));
 
     // Back in the list: the new item is last; ✕ on the first takes it out, on the server too.

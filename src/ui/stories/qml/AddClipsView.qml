@@ -160,6 +160,7 @@ StorySheet {
                         }
                         Text { text: clipRow.inStoryText; color: Theme.accent; font.pixelSize: 12; font.weight: Font.DemiBold }
                         StoryButton {
+                            objectName: "previewClip"
                             text: sheet.previewRow === clipRow.index ? "■" : "▶"
                             plain: true
                             Accessible.name: "Preview"
