@@ -112,6 +112,7 @@ TEST_F(StoriesHub, ANewOrDraftedStoryOpensAndOneMadeElsewhereIsListed)
     navigator.closeStory();
 
     // The auto-story that finds nothing opens nothing.
+    proxy->answer("POST", "/api/autoreel", 422, R"({"error":"nothing"})");
     run(hub.runAutoStory(30));
     EXPECT_TRUE(navigator.openedStoryId().isEmpty());
     EXPECT_FALSE(hub.drafting());

@@ -1,10 +1,10 @@
-#include "Toast.h"
+#include "ReelsToast.h"
 
 #include <QTimer>
 
-Toast::Toast(QObject *parent) : QObject(parent) {}
+ReelsToast::ReelsToast(QObject *parent) : QObject(parent) {}
 
-void Toast::show(const QString &text)
+void ReelsToast::show(const QString &text)
 {
     setText(text);
     // The timer's context is this object, so a toast that is gone is never touched.
@@ -14,7 +14,7 @@ void Toast::show(const QString &text)
     });
 }
 
-void Toast::setText(const QString &text)
+void ReelsToast::setText(const QString &text)
 {
     if (m_text == text)
         return;

@@ -5,18 +5,18 @@
 
 #include <chrono>
 
-/// @brief A short message that stands for a while.
+/// @brief The stories' short message, which stands for a while.
 ///
 /// Each message clears itself after `duration`, but only if it is still the message shown:
 /// a newer one keeps its full time. Nothing fires after the toast is destroyed.
-class Toast : public QObject
+class ReelsToast : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(QString text READ text NOTIFY textChanged FINAL)
 public:
     static constexpr std::chrono::milliseconds standardDuration{1600};
 
-    explicit Toast(QObject *parent = nullptr);
+    explicit ReelsToast(QObject *parent = nullptr);
 
     [[nodiscard]] QString text() const { return m_text; }
     [[nodiscard]] std::chrono::milliseconds duration() const { return m_duration; }
