@@ -34,7 +34,7 @@ Rectangle {
         if (!hooks)
             return
         if (hooks.take("add")) showAdd = true
-        if (hooks.take("preview")) showPreview = true
+        if (hooks.take("preview") && reel.itemCount > 0) showPreview = true
         if (hooks.take("trim") && reel.itemCount > 0) trimming = reel.uidAt(0)
         if (hooks.take("render")) showRender = true
     }
