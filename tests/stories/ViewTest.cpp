@@ -76,6 +76,19 @@ StoriesSection {
     hub: storiesHub
     navigator: storyNavigator
     thumbnail: Component { AuthedImageItem { client: apiClient; cache: imageCache } }
+    // Stands in for the clip screens' trim model (not in this build): what it was opened with.
+    trimModel: QtObject {
+        objectName: "trimStandIn"
+        property bool isOpen: false
+        property var opened: []
+        signal changed(string key, real start, real end)
+        function open(key, flightId, p480, label, subtitle, originalIn, originalOut) {
+            opened = [key, flightId, p480, label, subtitle, originalIn, originalOut]
+            isOpen = true
+        }
+        function close() { isOpen = false }
+    }
+    trimSheet: Component { Item { objectName: "trimSheetShown" } }
 }
 )");
         file.close();
@@ -200,9 +213,26 @@ TEST_F(StoriesView, AStoryShowsItsItemsTakesClipsAndLetsThemGo)
     shootBoth("stories-added");
     ASSERT_TRUE(waitUntil([&] { return serverStory(full)["items"].size() == 4; }));
 
-    // Back in the list: the new item is last; ✕ on the first takes it out, on the server too.
+    // ✂ opens the trim sheet on the item's stretch; each handle let go saves the item.
     QMetaObject::invokeMethod(view->rootObject()->findChild<QObject *>("addClipsSheet"), "close");
     ASSERT_TRUE(waitUntil([&] { return find("item-3") != nullptr; }));
+    press(findItem(find("item-0"), "trimButton"));
+    auto *trim = view->rootObject()->findChild<QObject *>("trimStandIn");
+    ASSERT_TRUE(trim->property("isOpen").toBool());
+    EXPECT_TRUE(view->rootObject()->findChild<QObject *>("trimSheetShown"));
+    const QVariantList opened = trim->property("opened").toList();
+    ASSERT_EQ(opened.size(), 7);
+    EXPECT_EQ(opened[1].toString(), "20240512_093000_0001");
+    EXPECT_EQ(opened[3].toString(), "Lagoon reveal");
+    EXPECT_EQ(opened[4].toString(), "Saltmarsh Lagoon · May 12, 2024");
+    EXPECT_DOUBLE_EQ(opened[5].toDouble(), 0.5);
+    EXPECT_DOUBLE_EQ(opened[6].toDouble(), 2.0);
+    QMetaObject::invokeMethod(trim, "changed", Q_ARG(QString, opened[0].toString()), Q_ARG(double, 0.8), Q_ARG(double, 1.9));
+    ASSERT_TRUE(waitUntil([&] { return serverStory(full)["items"][0]["in"] == 0.8; }));
+    EXPECT_EQ(serverStory(full)["items"][0]["out"], 1.9);
+    QMetaObject::invokeMethod(trim, "close");
+
+    // Back in the list: the new item is last; ✕ on the first takes it out, on the server too.
     press(findItem(find("item-0"), "removeButton"));
     ASSERT_TRUE(waitUntil([&] { return find("item-3") == nullptr; }));
     ASSERT_TRUE(waitUntil([&] { return serverStory(full)["items"].size() == 3; }));

@@ -1,8 +1,10 @@
 // One story being edited: its cut list, and the sheets that add, preview, trim and make videos.
 //
-// Sheets made by other screens come in as components, each loaded into a sheet of its own:
-// - `trimSheet`: given flightId, p480, label, subtitle, originalIn, originalOut and client; its
-//   signal `trimmed(real start, real end)` saves the item's new bounds, `done()` closes it.
+// Sheets made by other screens come in from outside:
+// - trimming: `trimModel` opens with `open(key, flightId, p480, label, subtitle, originalIn,
+//   originalOut)` (the key is the item's uid), reports each let-go handle with `changed(key,
+//   start, end)`, which saves the item, and tells `isOpen`; `trimSheet` is the popup that shows it,
+//   made once with this screen as its parent. Without them items have no trim button.
 // - `renderSheet`: given storyId, storyTitle, storyVertical and client; `done()` closes it, and
 //   `renderRefresh` counts the closings so a history of videos can reload.
 import QtQuick
@@ -15,6 +17,7 @@ Rectangle {
     required property QtObject reel
     property QtObject hooks: null
     property Component thumbnail: null
+    property QtObject trimModel: null
     property Component trimSheet: null
     property Component renderSheet: null
     signal backRequested()
@@ -30,12 +33,23 @@ Rectangle {
     property string renameTitle: ""
     property string sharingRender: ""
 
+    function trim(uid) {
+        const target = reel.trimTarget(uid)
+        if (!trimModel || target.uid === undefined)
+            return
+        trimming = uid
+        trimModel.open(uid, target.flightId, target.p480, target.label, target.subtitle,
+                       target.originalIn, target.originalOut)
+    }
+
     Component.onCompleted: {
+        if (trimSheet && trimModel)
+            trimSheet.createObject(content)
         if (!hooks)
             return
         if (hooks.take("add")) showAdd = true
         if (hooks.take("preview") && reel.itemCount > 0) showPreview = true
-        if (hooks.take("trim") && reel.itemCount > 0) trimming = reel.uidAt(0)
+        if (hooks.take("trim") && reel.itemCount > 0) trim(reel.uidAt(0))
         if (hooks.take("render")) showRender = true
     }
 
@@ -125,9 +139,9 @@ Rectangle {
                 delegate: ReelItemRow {
                     width: list.width
                     thumbnail: content.thumbnail
-                    canTrim: content.trimSheet !== null
+                    canTrim: content.trimModel !== null
                     onDropped: (from, to) => content.reel.moveRow(from, to)
-                    onTrimRequested: content.trimming = uid
+                    onTrimRequested: content.trim(uid)
                     onRemoveRequested: content.reel.removeRow(index)
                 }
             }
@@ -178,32 +192,11 @@ Rectangle {
         }
     }
 
-    // Trimming one item, in the sheet given by the clip screens.
-    StorySheet {
-        id: trimHost
-        objectName: "trimSheet"
-        title: ""
-        width: Math.min(content.width - 80, 900)
-        visible: content.trimming !== "" && content.trimSheet !== null
-        onClosed: content.trimming = ""
-        header: null
-        contentItem: Loader {
-            id: trimLoader
-            active: trimHost.visible
-            sourceComponent: content.trimSheet
-            onLoaded: {
-                const target = content.reel.trimTarget(content.trimming)
-                for (const key of ["flightId", "p480", "label", "subtitle", "originalIn", "originalOut"])
-                    if (key in item) item[key] = target[key]
-                if ("client" in item) item.client = content.reel.store.client
-            }
-            Connections {
-                target: trimLoader.item
-                ignoreUnknownSignals: true
-                function onTrimmed(start, end) { content.reel.trimItem(content.trimming, start, end) }
-                function onDone() { content.trimming = "" }
-            }
-        }
+    Connections {
+        target: content.trimModel
+        ignoreUnknownSignals: true
+        function onChanged(key, start, end) { content.reel.trimItem(key, start, end) }
+        function onIsOpenChanged() { if (!content.trimModel.isOpen) content.trimming = "" }
     }
 
     // Making a video of the story, in the sheet given by the video screens.

@@ -11,6 +11,7 @@ Rectangle {
     required property string storyId
     property QtObject hooks: null
     property Component thumbnail: null
+    property QtObject trimModel: null
     property Component trimSheet: null
     property Component renderSheet: null
     signal backRequested()
@@ -49,6 +50,7 @@ Rectangle {
             reel: detail.reel
             hooks: detailView.hooks
             thumbnail: detailView.thumbnail
+            trimModel: detailView.trimModel
             trimSheet: detailView.trimSheet
             renderSheet: detailView.renderSheet
             onBackRequested: detailView.backRequested()

@@ -90,6 +90,7 @@ Item {
                 }
             }
             StoryButton {
+                objectName: "trimButton"
                 visible: row.canTrim
                 text: "✂"
                 plain: true

@@ -1,7 +1,7 @@
 // The "reels" section: the stories hub, or the story the navigator has open, and the toast.
 //
-// Screens made elsewhere come in as components: `trimSheet` and `renderSheet` are described in
-// ReelDetailContent;
+// Screens made elsewhere come in from outside: `trimModel` with `trimSheet`, and `renderSheet`,
+// are described in ReelDetailContent;
 // `videoSheet` plays a story's latest video and `shareSheet` shares it: each is given
 // storyId, videoId, url and client, and closes on its `done()`.
 import QtQuick
@@ -13,6 +13,7 @@ Item {
     required property QtObject hub
     required property QtObject navigator
     property Component thumbnail: null
+    property QtObject trimModel: null
     property Component trimSheet: null
     property Component renderSheet: null
     property Component videoSheet: null
@@ -42,6 +43,7 @@ Item {
             storyId: section.navigator.openedStoryId
             hooks: section.hub.hooks
             thumbnail: section.thumbnail
+            trimModel: section.trimModel
             trimSheet: section.trimSheet
             renderSheet: section.renderSheet
             onBackRequested: section.navigator.closeStory()
