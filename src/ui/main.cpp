@@ -19,7 +19,12 @@
 #include "MpvPlayer.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
+#include "ReelsHubModel.h"
+#include "ReelsStore.h"
 #include "ReviewTypes.h"
+#include "StoriesTypes.h"
+#include "StoryDevHooks.h"
+#include "StoryNavigator.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
 #include "ThemeManager.h"
@@ -123,8 +128,8 @@ int main(int argc, char *argv[])
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
 
     // The clips section and its lightbox, and the trim sheet a story opens on one of its items.
-    // Each makes its player the first time it shows a video. ClipsBrowserModel::storyCreated
-    // carries the new story's id for the stories section.
+    // Each makes its player the first time it shows a video. A story made from picked clips
+    // opens in the stories section.
     const auto makePlayer = [] { return std::make_unique<MpvPlayer>(); };
     ClipsBrowserStore clipsStore(appModel.client());
     ClipsBrowserModel clips(&clipsStore, &gallerySettings);
@@ -142,11 +147,26 @@ int main(int argc, char *argv[])
         clipsStore.setClient(appModel.client());
         trimSheet.setClient(appModel.client());
     });
-    registerReviewTypes();
     registerLightboxTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Clips", &clips);
     qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "ClipLightbox", &lightbox);
     qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "TrimSheet", &trimSheet);
+
+    // The stories section, and the way to a story from wherever one is made.
+    ReelsStore reels(appModel.client());
+    reels.setPlayerFactory([] { return new MpvPlayer(); });
+    reels.setHqPlayback(playback.hq());
+    QObject::connect(&playback, &PlaybackQuality::hqChanged, &reels, [&] { reels.setHqPlayback(playback.hq()); });
+    QObject::connect(&appModel, &AppModel::clientChanged, &reels, [&] { reels.setClient(appModel.client()); });
+    StoryNavigator navigator(&reels);
+    StoryDevHooks storyHooks;
+    ReelsHubModel storiesHub(&reels, &gallerySettings, &navigator, &storyHooks);
+    QObject::connect(&gallery, &GalleryStore::storyCreated, &navigator, &StoryNavigator::openStory);
+    QObject::connect(&clips, &ClipsBrowserModel::storyCreated, &navigator, &StoryNavigator::openStory);
+    registerReviewTypes();
+    registerStoriesTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
