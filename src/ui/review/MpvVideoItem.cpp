@@ -93,12 +93,9 @@ QSGNode *MpvVideoItem::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)
     QSGNode *node = old ? old : makeNode();
     const QRectF area = boundingRect();
     const QSize pixels = (area.size() * window()->effectiveDevicePixelRatio()).toSize();
-    if (auto *gl = dynamic_cast<MpvGlNode *>(node)) {
-        gl->setRect(area);
-        gl->sync(pixels);
-    } else if (auto *software = dynamic_cast<MpvSoftwareNode *>(node)) {
-        software->setRect(area);
-        software->sync(pixels);
+    if (auto *video = dynamic_cast<MpvVideoNode *>(node)) {
+        video->setRect(area);
+        video->sync(pixels);
     } else if (auto *plain = dynamic_cast<PlainNode *>(node)) {
         plain->setRect(area);
     }
