@@ -14,6 +14,7 @@
 #include "MountWatcher.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
+#include "ReviewTypes.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
 #include "ThemeManager.h"
@@ -54,8 +55,11 @@ int main(int argc, char *argv[])
     parser.process(app);
 
     // The offscreen platform has no GPU: draw in software so pictures come out the same everywhere.
+    // Elsewhere OpenGL, which mpv draws video with.
     if (QGuiApplication::platformName() == QLatin1String("offscreen"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    else
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
     Preferences prefs;
@@ -113,6 +117,7 @@ int main(int argc, char *argv[])
     });
     QObject::connect(&gallery, &GalleryStore::logOutRequested, &appModel, [&] { appModel.signOut(); });
     registerBrowseTypes();
+    registerReviewTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
 
     QQmlApplicationEngine engine;
