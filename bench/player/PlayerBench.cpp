@@ -1,11 +1,12 @@
 // The playback layer against bare libmpv with the same options, in one run, on 720p proxies
 // served by the library server over authorised loopback HTTP:
-//   (a) open to the first decoded frame, (b) exact seeks, p50 and p95 of each, as ratios;
+//   (a) a new player to its file's first decoded frame, (b) exact seeks, p50 and p95 of
+//       each, as ratios;
 //   (c) frames landed per second in a simulated 4x jog (30 Hz tick, one tolerance seek in
 //       flight), for the player's own seek mapping and for bare libmpv's exact and keyframe
 //       seeks, on the import's keyframe spacing and on one keyframe a second.
 // Measurements of the two alternate, so that a busy machine slows both alike.
-//   build/bench/player/bench_player [seeks] [opens]
+//   build/bench/player/bench_player [seeks = 100] [opens = 40]
 #include "BareMpv.h"
 #include "BenchLibrary.h"
 #include "MpvPlayer.h"
