@@ -3,6 +3,9 @@
 #include "AppEvents.h"
 #include "AppModel.h"
 #include "BrowseTypes.h"
+#include "ClipLightboxModel.h"
+#include "ClipsBrowserModel.h"
+#include "ClipsBrowserStore.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
 #include "GeocodeClient.h"
@@ -11,13 +14,16 @@
 #include "IngestPipeline.h"
 #include "IngestQueue.h"
 #include "KeychainCredentialStore.h"
+#include "LightboxTypes.h"
 #include "MountWatcher.h"
+#include "MpvPlayer.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
 #include "ReviewTypes.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
 #include "ThemeManager.h"
+#include "TrimSheetModel.h"
 #include "UiServices.h"
 #include "UnitsPref.h"
 #include "WindowShots.h"
@@ -119,6 +125,32 @@ int main(int argc, char *argv[])
     registerBrowseTypes();
     registerReviewTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
+
+    // The clips section and its lightbox, and the trim sheet a story opens on one of its items.
+    // Each makes its player the first time it shows a video. ClipsBrowserModel::storyCreated
+    // carries the new story's id for the stories section.
+    const auto makePlayer = [] { return std::make_unique<MpvPlayer>(); };
+    ClipsBrowserStore clipsStore(appModel.client());
+    ClipsBrowserModel clips(&clipsStore, &gallerySettings);
+    ClipLightboxModel lightbox(&clips, makePlayer);
+    TrimSheetModel trimSheet(appModel.client(), makePlayer);
+    const auto followPrefs = [&] {
+        lightbox.setMetric(units.metric());
+        lightbox.setHq(playback.hq());
+        trimSheet.setHq(playback.hq());
+    };
+    followPrefs();
+    QObject::connect(&units, &UnitsPref::metricChanged, &lightbox, followPrefs);
+    QObject::connect(&playback, &PlaybackQuality::hqChanged, &lightbox, followPrefs);
+    QObject::connect(&appModel, &AppModel::clientChanged, &clipsStore, [&] {
+        clipsStore.setClient(appModel.client());
+        trimSheet.setClient(appModel.client());
+    });
+    registerReviewTypes();
+    registerLightboxTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Clips", &clips);
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "ClipLightbox", &lightbox);
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "TrimSheet", &trimSheet);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,

@@ -4,6 +4,7 @@ import QtQuick
 import QtQuick.Layouts
 import Aeroloom.Services
 import Aeroloom.Browse
+import Aeroloom.Review
 import "qrc:/aeroloom/browse"
 
 Rectangle {
@@ -22,8 +23,18 @@ Rectangle {
         }
     }
 
+    Loader {
+        anchors.fill: parent
+        active: sectionView.section === "clips"
+        sourceComponent: ClipsBrowserView {
+            browser: Clips
+            lightbox: ClipLightbox
+            thumbnail: Component { AuthedAsyncImage {} }
+        }
+    }
+
     Text {
-        visible: sectionView.section !== "flights"
+        visible: sectionView.section === "reels"
         x: 32
         y: 28
         text: sectionView.title
