@@ -123,7 +123,6 @@ int main(int argc, char *argv[])
     });
     QObject::connect(&gallery, &GalleryStore::logOutRequested, &appModel, [&] { appModel.signOut(); });
     registerBrowseTypes();
-    registerReviewTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
 
     // The clips section and its lightbox, and the trim sheet a story opens on one of its items.
