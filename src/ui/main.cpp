@@ -66,8 +66,11 @@ int main(int argc, char *argv[])
     parser.process(app);
 
     // The offscreen platform has no GPU: draw in software so pictures come out the same everywhere.
+    // Elsewhere OpenGL, which mpv draws video with.
     if (QGuiApplication::platformName() == QLatin1String("offscreen"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    else
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
     Preferences prefs;
