@@ -3,6 +3,8 @@
 #include "AppEvents.h"
 #include "AppModel.h"
 #include "BrowseTypes.h"
+#include "CutFlowFactory.h"
+#include "CuttingTypes.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
 #include "GeocodeClient.h"
@@ -114,6 +116,10 @@ int main(int argc, char *argv[])
     QObject::connect(&gallery, &GalleryStore::logOutRequested, &appModel, [&] { appModel.signOut(); });
     registerBrowseTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
+
+    // The cut window makes its own model each time it opens, from the session of the moment.
+    CutFlowFactory cutFlows(appModel, prefs);
+    registerCuttingTypes(cutFlows);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
