@@ -1,4 +1,5 @@
 #include "CliCommand.h"
+#include "ServerArguments.h"
 #include "StopSignals.h"
 
 #include <APIClient.h>
@@ -28,21 +29,15 @@ struct Options {
 
 std::optional<QString> parse(QStringList args, Options &o)
 {
-    QString user, password, token;
+    const ServerArguments server = ServerArguments::take(args);
+    o.server = server.server;
+    o.authHeader = server.authHeader;
     bool musicGiven = false;
     while (!args.isEmpty()) {
         const QString arg = args.takeFirst();
         auto value = [&]() -> std::optional<QString> { return args.isEmpty() ? std::nullopt : std::optional(args.takeFirst()); };
         std::optional<QString> v;
-        if (arg == QLatin1String("--server") && (v = value()))
-            o.server = *v;
-        else if (arg == QLatin1String("--token") && (v = value()))
-            token = *v;
-        else if (arg == QLatin1String("--user") && (v = value()))
-            user = *v;
-        else if (arg == QLatin1String("--password") && (v = value()))
-            password = *v;
-        else if (arg == QLatin1String("--story") && (v = value()))
+        if (arg == QLatin1String("--story") && (v = value()))
             o.story = *v;
         else if (arg == QLatin1String("--originals") && (v = value()))
             o.originals << *v;
@@ -75,10 +70,6 @@ std::optional<QString> parse(QStringList args, Options &o)
         if (!QFileInfo(folder).isDir())
             return QStringLiteral("aeroloom-cli cut: %1: no such folder").arg(folder);
     }
-    if (!token.isEmpty())
-        o.authHeader = QStringLiteral("Bearer ") + token;
-    else if (!user.isEmpty())
-        o.authHeader = QStringLiteral("Basic ") + (user + QLatin1Char(':') + password).toUtf8().toBase64();
     return std::nullopt;
 }
 
