@@ -36,6 +36,16 @@ CutPlanRow row(const QString &source, double start, double end, const QString &o
     return r;
 }
 
+/// The samples our own reader finds in the sidecar beside `clip`.
+std::vector<TelemetrySample> sidecarTrack(const QString &clip)
+{
+    QFile srt(ClipSidecars::srtPath(clip));
+    EXPECT_TRUE(srt.open(QIODevice::ReadOnly)) << clip.toStdString();
+    const auto parsed = TelemetryParser::parseSRT(QString::fromUtf8(srt.readAll()), std::nullopt, std::nullopt, "c");
+    EXPECT_TRUE(parsed.ok()) << parsed.errorText().toStdString();
+    return parsed.ok() ? parsed.value().track : std::vector<TelemetrySample>{};
+}
+
 class ClipCutterTest : public ::testing::Test
 {
 protected:
@@ -98,13 +108,10 @@ TEST_F(ClipCutterTest, FrameAccurateStartsOnTheExactFrameAndLastsTheSpan)
     EXPECT_TRUE(streamDuration(clip, "a:0").has_value());  // the original's sound is kept
 
     // The sidecar beside the clip holds the samples of its span, timed from the clip's start.
-    QFile srt(ClipSidecars::srtPath(clip));
-    ASSERT_TRUE(srt.open(QIODevice::ReadOnly));
-    const auto parsed = TelemetryParser::parseSRT(QString::fromUtf8(srt.readAll()), std::nullopt, std::nullopt, "c");
-    ASSERT_TRUE(parsed.ok()) << parsed.errorText().toStdString();
-    ASSERT_EQ(parsed.value().track.size(), 30u);
-    EXPECT_EQ(parsed.value().track.front().t, 0);
-    EXPECT_NEAR(parsed.value().track.back().t, 1.16, 1e-9);
+    const auto track = sidecarTrack(clip);
+    ASSERT_EQ(track.size(), 30u);
+    EXPECT_EQ(track.front().t, 0);
+    EXPECT_NEAR(track.back().t, 1.16, 1e-9);
     EXPECT_TRUE(QFile::exists(ClipSidecars::gpxPath(clip)));
 }
 
@@ -128,12 +135,9 @@ TEST_F(ClipCutterTest, FastCopiesFromTheKeyFrameAtOrBeforeTheStart)
     EXPECT_LE(copiedFrom, 1.5 + frame / 2);
     EXPECT_NEAR(copiedFrom, 1.0, frame);
 
-    QFile srt(ClipSidecars::srtPath(telemetryClip));
-    ASSERT_TRUE(srt.open(QIODevice::ReadOnly));
-    const auto parsed = TelemetryParser::parseSRT(QString::fromUtf8(srt.readAll()), std::nullopt, std::nullopt, "c");
-    ASSERT_TRUE(parsed.ok()) << parsed.errorText().toStdString();
-    EXPECT_EQ(parsed.value().track.size(), 10u);
-    EXPECT_EQ(parsed.value().track.front().t, 0);
+    const auto track = sidecarTrack(telemetryClip);
+    ASSERT_EQ(track.size(), 10u);
+    EXPECT_EQ(track.front().t, 0);
 }
 
 TEST_F(ClipCutterTest, AStopMidClipLeavesNoPartialFile)

@@ -50,12 +50,18 @@ Item {
         onAccepted: root.model.pickOutputRoot(selectedFolder)
     }
 
+    Connections {
+        target: root.model
+        function onErrorChanged() {
+            if (root.model.error !== "")
+                errorDialog.open()
+        }
+    }
     Dialog {
         id: errorDialog
         anchors.centerIn: parent
         width: Math.min(root.width - 80, 420)
         modal: true
-        visible: root.model !== null && root.model.error !== ""
         closePolicy: Popup.CloseOnEscape
         onClosed: if (root.model) root.model.dismissError()
         background: Rectangle { radius: 12; color: Theme.surface; border.color: Theme.border }
