@@ -9,16 +9,15 @@
 #include "GalleryStore.h"
 #include "ImageCache.h"
 #include "LoopbackTiles.h"
+#include "QuickShots.h"
 #include "Preferences.h"
 #include "SampleMaker.h"
-#include "TestPaths.h"
 #include "TestServer.h"
 #include "Theme.h"
 #include "ThemeManager.h"
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -117,19 +116,9 @@ GalleryView {
         ASSERT_TRUE(waitUntil([&] { return store->flightCount() == 4 && !store->loading(); }, 10000));
     }
 
-    // Items made by views and repeaters hang in the item tree, not always in the object tree.
-    static QQuickItem *findItem(QQuickItem *from, const QString &name)
-    {
-        if (from->objectName() == name)
-            return from;
-        for (QQuickItem *child : from->childItems())
-            if (QQuickItem *found = findItem(child, name))
-                return found;
-        return nullptr;
-    }
     QQuickItem *card(const char *id) const
     {
-        auto *item = findItem(qobject_cast<QQuickItem *>(view->rootObject()), QStringLiteral("card-") + QLatin1String(id));
+        auto *item = QuickShots::findItem(view->rootObject(), QStringLiteral("card-") + QLatin1String(id));
         return item && item->isVisible() ? item : nullptr;
     }
     int cardCount() const
@@ -139,17 +128,7 @@ GalleryView {
             n += card(s.id) != nullptr;
         return n;
     }
-    void shoot(const QString &name)
-    {
-        QCoreApplication::processEvents();
-        QThread::msleep(150);
-        QCoreApplication::processEvents();
-        const QImage picture = view->grabWindow();
-        ASSERT_FALSE(picture.isNull());
-        const QDir shots(TestPaths::buildDir() + "/screenshots");
-        shots.mkpath(".");
-        ASSERT_TRUE(picture.save(shots.filePath(name + ".png")));
-    }
+    void shoot(const QString &name) { QuickShots::save(*view, name); }
     nlohmann::json serverGet(const char *path) const { return jsonOf(server.client()->Get(path)); }
 };
 } // namespace
