@@ -6,6 +6,8 @@
 #include "ClipLightboxModel.h"
 #include "ClipsBrowserModel.h"
 #include "ClipsBrowserStore.h"
+#include "CutFlowFactory.h"
+#include "CuttingTypes.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
 #include "GeocodeClient.h"
@@ -170,6 +172,10 @@ int main(int argc, char *argv[])
     registerStoriesTypes();
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);
+
+    // The cut window makes its own model each time it opens, from the session of the moment.
+    CutFlowFactory cutFlows(appModel, prefs);
+    registerCuttingTypes(cutFlows);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
