@@ -7,6 +7,7 @@
 #include "AppTestSupport.h"
 #include "CoroTest.h"
 #include "MemoryCredentialStore.h"
+#include "StallingServer.h"
 #include "TestServer.h"
 
 #include <QDir>
@@ -87,6 +88,23 @@ TEST(SettingsModels, OneFlightReadsSingularInTheRowButNotInTheTestAndAFailedTest
     ASSERT_TRUE(waitUntil([&] { return !model.checking() && model.checkResult() != QStringLiteral("OK — 1 flights"); }));
     EXPECT_FALSE(model.checkResult().isEmpty());
     EXPECT_EQ(model.libraryText(), QStringLiteral("1 flight")) << "a failed test leaves the library row";
+}
+
+TEST(SettingsModels, TheConnectionTestOfAStalledServerEndsInTime)
+{
+    using namespace std::chrono_literals;
+    StallingServer stalled;
+    IsolatedPrefs prefs;
+    MemoryCredentialStore credentials;
+    AppEvents events;
+    AppModel app(*prefs.prefs, credentials, envWith({{"SPIKE_BASE", stalled.base()}}));
+    app.setClientTimeout(200ms);
+    run(app.start());
+    AccountSettingsModel model(app, &events);
+    model.testConnection();
+    EXPECT_TRUE(model.checking());
+    ASSERT_TRUE(waitUntil([&] { return !model.checking(); }, 5000)) << "still “Checking…”";
+    EXPECT_EQ(model.checkResult(), QStringLiteral("The request timed out."));
 }
 
 TEST(SettingsModels, PendingUploadsAddUpAndClear)
