@@ -90,6 +90,35 @@ TEST(SettingsModels, OneFlightReadsSingularInTheRowButNotInTheTestAndAFailedTest
     EXPECT_EQ(model.libraryText(), QStringLiteral("1 flight")) << "a failed test leaves the library row";
 }
 
+TEST(SettingsModels, TheAccountTabForgetsASessionAndStartsEveryLoadFromNothing)
+{
+    TestServer first;
+    Session session(first.base());
+    AccountSettingsModel model(*session.app, &session.events);
+    load(model);
+    model.testConnection();
+    ASSERT_TRUE(waitUntil([&] { return !model.checking() && !model.checkResult().isEmpty(); }));
+
+    session.app->signOut();
+    EXPECT_EQ(model.email(), QStringLiteral("—"));
+    EXPECT_FALSE(model.hasLibrary());
+    EXPECT_TRUE(model.checkResult().isEmpty());
+    model.load();  // the window shown while signed out asks nothing
+    EXPECT_FALSE(model.hasLibrary());
+
+    // Another library whose every answer fails: the rows stay empty, not the first library's.
+    RecordingServer broken;
+    replyClosing(broken, 500, "{}");
+    session.app->signIn(broken.base(), QString(), QString());
+    model.load();
+    // The account refresh of the sign-in, then the three steps of the load.
+    ASSERT_TRUE(waitUntil([&] { return broken.count() >= 4; }));
+    waitUntil([] { return false; }, 300);
+    EXPECT_EQ(model.email(), QStringLiteral("—"));
+    EXPECT_FALSE(model.hasLibrary());
+    EXPECT_EQ(model.samplesCount(), 0);
+}
+
 TEST(SettingsModels, TheConnectionTestOfAStalledServerEndsInTime)
 {
     using namespace std::chrono_literals;
