@@ -22,7 +22,7 @@ packages=(
   libaubio-dev aubio-tools
   chromium ccache
   xvfb xauth dbus dbus-x11 gnome-keyring libsecret-tools
-  fonts-dejavu-core
+  fonts-dejavu-core shared-mime-info
 )
 
 missing=()
