@@ -5,11 +5,11 @@
 #include "AppEvents.h"
 #include "AppModel.h"
 #include "CoroTest.h"
-#include "ItemTree.h"
 #include "LoginViewModel.h"
 #include "MemoryCredentialStore.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
+#include "QuickShots.h"
 #include "RecordingServer.h"
 #include "StorageSettingsModel.h"
 #include "TestPaths.h"
@@ -47,12 +47,8 @@ void useTheProgramsLook()
 
 void shoot(QQuickWindow *window, const QString &name)
 {
-    waitUntil([] { return false; }, 250);  // let the layout and the tab switch settle
-    const QImage picture = window->grabWindow();
-    ASSERT_FALSE(picture.isNull());
-    QDir dir(TestPaths::buildDir());
-    dir.mkpath("screenshots");
-    ASSERT_TRUE(picture.save(dir.filePath("screenshots/" + name + ".png")));
+    waitUntil([] { return false; }, 100);  // let the layout and the tab switch settle
+    QuickShots::save(*window, name);
 }
 
 /// A library that answers the Account tab's three calls.
@@ -121,7 +117,7 @@ TEST(SettingsWindow, LoadsWhenShownAndKeepsItsTabsWhileSignedOut)
     EXPECT_EQ(library.count(), atStart) << "nothing is fetched before the window is shown";
 
     window->show();
-    auto *signedInAs = findItem(root, "signedInAs");
+    auto *signedInAs = QuickShots::findItem(root, "signedInAs");
     ASSERT_TRUE(signedInAs);
     ASSERT_TRUE(waitUntil([&] { return s.account.samplesCount() == 3; }));
     EXPECT_EQ(signedInAs->property("text").toString(), "pilot@example.org");
@@ -130,14 +126,14 @@ TEST(SettingsWindow, LoadsWhenShownAndKeepsItsTabsWhileSignedOut)
 
     // Signed out: every tab stays; the account rows say "—" and what needs a session stands aside.
     s.app.signOut();
-    auto *tabs = findItem(root, "settingsTabs");
+    auto *tabs = QuickShots::findItem(root, "settingsTabs");
     ASSERT_TRUE(tabs);
     EXPECT_TRUE(tabs->isVisible());
     EXPECT_EQ(tabs->property("count").toInt(), 4);
     EXPECT_EQ(signedInAs->property("text").toString(), "—");
     EXPECT_TRUE(signedInAs->isVisible());
     for (const char *name : {"signOut", "testConnection", "openAccountOnWeb"}) {
-        auto *item = findItem(root, name);
+        auto *item = QuickShots::findItem(root, name);
         ASSERT_TRUE(item) << name;
         EXPECT_FALSE(item->isVisible()) << name;
     }
@@ -147,7 +143,7 @@ TEST(SettingsWindow, LoadsWhenShownAndKeepsItsTabsWhileSignedOut)
 
     // The Import tab works without a session: the contact address for place names is stored.
     tabs->setProperty("currentIndex", 1);
-    auto *contact = findItem(root, "geocodeContact");
+    auto *contact = QuickShots::findItem(root, "geocodeContact");
     ASSERT_TRUE(contact);
     ASSERT_TRUE(waitUntil([&] { return contact->isVisible(); }));
     contact->setProperty("text", "  pilot@example.org ");
@@ -189,7 +185,7 @@ TEST(SignInScreen, TheLinkForPeopleWithoutAnAccountReadsAsWritten)
     harness.close();
     view.setSource(QUrl::fromLocalFile(harness.fileName()));
     ASSERT_EQ(view.status(), QQuickView::Ready) << view.errors().value(0).toString().toStdString();
-    auto *link = findItem(view.rootObject(), "learnMoreLink");
+    auto *link = QuickShots::findItem(view.rootObject(), "learnMoreLink");
     ASSERT_TRUE(link);
     EXPECT_TRUE(link->isVisible());
     EXPECT_EQ(link->property("text").toString(), "Visit the website");
