@@ -6,6 +6,7 @@
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
+#include "Proxy480Maker.h"
 #include "Reply.h"
 #include "Routes.h"
 #include "SampleMaker.h"
@@ -39,6 +40,7 @@ struct LibraryServer::Impl {
     std::unique_ptr<Authenticator> auth;
     std::unique_ptr<DeviceSignIn> device;
     std::unique_ptr<MusicMaker> music;
+    std::unique_ptr<Proxy480Maker> proxies;
     std::unique_ptr<ServerContext> context;
     httplib::Server http;
     std::thread thread;
@@ -200,8 +202,9 @@ Result<void> LibraryServer::open()
     d->auth = std::make_unique<Authenticator>(d->config, *d->tokens);
     d->device = std::make_unique<DeviceSignIn>(d->config, *d->library, *d->tokens);
     d->music = std::make_unique<MusicMaker>(*d->library);
+    d->proxies = std::make_unique<Proxy480Maker>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
-                                       *d->auth, *d->device, *d->music});
+                                       *d->auth, *d->device, *d->music, *d->proxies});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
     // Without them (no ffmpeg, say) the library still serves: that is said, not fatal.
     if (fresh && d->config.samples) {
@@ -252,6 +255,8 @@ Result<int> LibraryServer::start()
                            .arg(where, QString::fromUtf8(error ? std::strerror(error) : "the address is not usable"))};
     }
     d->thread = std::thread([this] { d->http.listen_after_bind(); });
+    if (d->config.lightProxies)
+        d->proxies->start();
     // A stop() before the loop runs would be lost, so start() returns only once it serves.
     while (!d->http.is_running())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -264,6 +269,8 @@ void LibraryServer::stop()
         d->http.stop();
         d->thread.join();
     }
+    if (d->proxies)
+        d->proxies->stop();
     d->unlock();
 }
 

@@ -6,6 +6,7 @@
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
+#include "Proxy480Maker.h"
 #include "ServerConfig.h"
 #include "StagingArea.h"
 #include "TokenStore.h"
@@ -21,4 +22,5 @@ struct ServerContext {
     Authenticator &auth;
     DeviceSignIn &device;
     MusicMaker &music;
+    Proxy480Maker &proxies;
 };

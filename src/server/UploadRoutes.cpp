@@ -68,6 +68,7 @@ void addUpload(httplib::Server &server, ServerContext &ctx)
         const auto outcome = ctx.staging.commit(*id);
         if (!outcome.ok())
             return Reply::error(res, outcome.status, outcome.detail);
+        ctx.proxies.nudge();
         Reply::json(res, {{"analysis", "client-provided"}});
     });
 
