@@ -281,6 +281,7 @@ void TileMapItem::paint(QPainter *painter)
     painter->fillRect(QRectF(0, 0, width(), height()), m_background);
     drawTiles(painter);
     drawMarkers(painter);
+    paintOverlay(painter);
     drawAttribution(painter);
 }
 

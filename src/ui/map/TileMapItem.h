@@ -72,7 +72,7 @@ public:
     /// What a press at (x, y) would hit: a pin's id, "cluster:<n>" or "".
     Q_INVOKABLE QString hitAt(double x, double y) const;
     /// Presses at (x, y) as a pointer would.
-    Q_INVOKABLE void pressAt(double x, double y);
+    Q_INVOKABLE virtual void pressAt(double x, double y);
 
     void paint(QPainter *painter) override;
 
@@ -93,10 +93,15 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
+    /// Items built on the map draw their own layer here: over the tiles and pins, under the
+    /// attribution.
+    virtual void paintOverlay(QPainter *) {}
+    void animateTo(const TileMath::Camera &target);
+    [[nodiscard]] TileMath::Camera camera() const { return m_camera; }
+    [[nodiscard]] QSizeF viewSize() const { return {width(), height()}; }
+
 private:
     void changeCamera(const TileMath::Camera &camera);
-    void animateTo(const TileMath::Camera &target);
-    [[nodiscard]] QSizeF viewSize() const { return {width(), height()}; }
     [[nodiscard]] QList<PinClusters::Cluster> clusters() const;
     void drawTiles(QPainter *painter);
     void drawMarkers(QPainter *painter);

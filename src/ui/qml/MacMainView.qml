@@ -152,4 +152,7 @@ Item {
             section: mainView.section
         }
     }
+
+    // An opened flight covers the whole view until the pilot goes back.
+    PlayerScreen { anchors.fill: parent }
 }

@@ -1,0 +1,81 @@
+// The video, with the live readouts over its corner and the toast over its top.
+import QtQuick
+import QtQuick.Layouts
+import Aeroloom.Services
+
+Rectangle {
+    id: pane
+    required property QtObject model
+    /// Draws the player's video; it receives `player`.
+    property Component video: null
+    color: Theme.letterbox
+    radius: 10
+    clip: true
+
+    Loader {
+        id: videoLoader
+        anchors.fill: parent
+        sourceComponent: pane.video
+        onLoaded: if (item.hasOwnProperty("player")) item.player = pane.model.player
+    }
+
+    Row {
+        anchors.left: parent.left
+        anchors.bottom: parent.bottom
+        anchors.margins: 12
+        spacing: 8
+        Repeater {
+            model: [
+                { label: "ALT", value: pane.model.altitudeText },
+                { label: "SPD", value: pane.model.speedText },
+                { label: "T", value: pane.model.clockText }
+            ]
+            delegate: Rectangle {
+                required property var modelData
+                width: chip.implicitWidth + 18
+                height: 26
+                radius: 7
+                color: Qt.rgba(0.03, 0.06, 0.12, 0.72)
+                Row {
+                    id: chip
+                    anchors.centerIn: parent
+                    spacing: 6
+                    Text { text: modelData.label; color: "#8E9BB8"; font.pixelSize: 10; font.weight: Font.Bold; anchors.verticalCenter: parent.verticalCenter }
+                    Text { text: modelData.value; color: "white"; font.pixelSize: 13; font.weight: Font.DemiBold; font.family: "monospace" }
+                }
+            }
+        }
+    }
+
+    Text {
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.margins: 14
+        visible: !pane.model.playing && !pane.model.isJogging
+        text: "❚❚"
+        color: "white"
+        opacity: 0.75
+        font.pixelSize: 18
+    }
+
+    Rectangle {
+        objectName: "toast"
+        anchors.horizontalCenter: parent.horizontalCenter
+        anchors.top: parent.top
+        anchors.topMargin: 14
+        visible: pane.model.toast !== ""
+        width: toastText.implicitWidth + 32
+        height: 36
+        radius: 18
+        color: Qt.rgba(0.03, 0.06, 0.12, 0.85)
+        border.color: Qt.rgba(1, 1, 1, 0.18)
+        Text {
+            id: toastText
+            anchors.centerIn: parent
+            text: pane.model.toast
+            color: "white"
+            font.pixelSize: 14
+            font.weight: Font.DemiBold
+        }
+    }
+}
