@@ -1,7 +1,8 @@
 #pragma once
 
-/// Makes the player's types known to QML under "Aeroloom.Review": the view items TimelinePlot,
-/// JogBarView and FlightMapView, and PlayerModel, ClipRowsModel and ReviewSession (made in C++
-/// only). The screens are in the resource folder "qrc:/aeroloom/review/" (import it as a
+/// Makes the review types known to QML under "Aeroloom.Review": `MpvVideoItem` (see its header
+/// for use), the view items TimelinePlot, JogBarView and FlightMapView, and `VideoPlayer`,
+/// `MpvPlayer`, PlayerModel, ClipRowsModel and ReviewSession, which are made in C++ only. The
+/// player's screens are in the resource folder "qrc:/aeroloom/review/" (import it as a
 /// directory; FlightPlayerView is the root).
 void registerReviewTypes();
