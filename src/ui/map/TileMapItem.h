@@ -75,6 +75,7 @@ public:
     Q_INVOKABLE virtual void pressAt(double x, double y);
 
     void paint(QPainter *painter) override;
+    void componentComplete() override;
 
 Q_SIGNALS:
     void urlTemplateChanged();

@@ -8,8 +8,6 @@ import "qrc:/aeroloom/review"
 
 Item {
     id: screen
-    /// Draws the video; it receives `player`.
-    property Component video: null
     property QtObject current: null
 
     // Imperative, not a binding: the view goes before its model does, never after.
@@ -36,7 +34,6 @@ Item {
         active: false
         sourceComponent: FlightPlayerView {
             model: screen.current
-            video: screen.video
             tileHost: Gallery.tileHost
             mapAttribution: Gallery.mapAttribution
             onCloseRequested: {

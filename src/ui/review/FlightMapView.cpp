@@ -93,14 +93,17 @@ void FlightMapView::fitPath()
     const auto bounds = TileMath::boundsOf(points);
     if (!bounds)
         return;
-    const auto camera = TileMath::fit(*bounds, viewSize(), QMarginsF(36, 36, 36, 36));
-    setCamera(camera.center.lat, camera.center.lon, camera.zoom);
+    const auto fitted = TileMath::fit(*bounds, viewSize(), QMarginsF(36, 36, 36, 36));
+    setCamera(fitted.center.lat, fitted.center.lon, fitted.zoom);
+    m_fitted = camera();
 }
 
 void FlightMapView::geometryChange(const QRectF &newGeometry, const QRectF &oldGeometry)
 {
     TileMapItem::geometryChange(newGeometry, oldGeometry);
-    if (m_fitWhenSized && newGeometry.width() > 0 && newGeometry.height() > 0)
+    // A map the pilot hasn't moved keeps the whole path in view as the screen is laid out.
+    const bool untouched = m_fitted && camera() == *m_fitted;
+    if ((m_fitWhenSized || untouched) && newGeometry.width() > 0 && newGeometry.height() > 0)
         fitPath();
 }
 

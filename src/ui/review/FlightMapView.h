@@ -98,6 +98,7 @@ private:
     FlightMapCoordinator m_coordinator;
     bool m_created = false;
     bool m_fitWhenSized = false;
+    std::optional<TileMath::Camera> m_fitted;  ///< the camera of the last fit
     QList<QPointF> m_drawnHighlight;
     QColor m_drawnTrackColor;
     std::optional<QPointF> m_marker;

@@ -27,7 +27,7 @@ JogBarView::JogBarView(QQuickItem *parent) : QQuickPaintedItem(parent)
 {
     setAntialiasing(true);
     setAcceptedMouseButtons(Qt::LeftButton);
-    QEasingCurve spring(QEasingCurve::Custom);
+    QEasingCurve spring;
     spring.setCustomType(springProgress);
     m_spring.setEasingCurve(spring);
     m_spring.setDuration(springMs);

@@ -65,21 +65,55 @@ Rectangle {
         }
     }
 
+    component ThemedMenu: Menu {
+        background: Rectangle {
+            implicitWidth: 220
+            radius: 8
+            color: Theme.surfaceRaised
+            border.color: Theme.border
+        }
+        delegate: Component { ThemedItem {} }
+    }
+    component ThemedItem: MenuItem {
+        id: line
+        implicitHeight: 30
+        contentItem: Text {
+            leftPadding: 4
+            text: line.text
+            color: line.enabled ? Theme.text : Theme.textMuted
+            font.pixelSize: 13
+            verticalAlignment: Text.AlignVCenter
+        }
+        arrow: Text {
+            x: line.width - width - 10
+            anchors.verticalCenter: parent.verticalCenter
+            visible: line.subMenu !== null
+            text: "›"
+            color: Theme.textMuted
+            font.pixelSize: 15
+        }
+        background: Rectangle {
+            radius: 5
+            color: line.highlighted ? Theme.accentSoft : "transparent"
+        }
+    }
+
     // The menu is built from the model's lines each time it opens, stories included.
-    Menu {
+    ThemedMenu {
         id: menu
         objectName: "clipMenu"
         property string clipId: ""
         onClosed: {
+            // A submenu goes with the line that holds it; the other lines are ours to destroy.
+            while (submenus.length > 0)
+                removeMenu(submenus.pop())
             while (count > 0)
                 takeItem(0).destroy()
-            while (submenus.length > 0)
-                submenus.pop().destroy()
         }
         property var submenus: []
     }
-    Component { id: itemComponent; MenuItem {} }
-    Component { id: submenuComponent; Menu { title: "Add to story" } }
+    Component { id: itemComponent; ThemedItem {} }
+    Component { id: submenuComponent; ThemedMenu { title: "Add to story" } }
 
     function act(clipId, line) {
         switch (line.action) {

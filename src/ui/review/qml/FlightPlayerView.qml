@@ -8,8 +8,6 @@ import Aeroloom.Services
 FocusScope {
     id: player
     required property QtObject model
-    /// Draws the video; it receives `player` (the model's video player).
-    property Component video: null
     property string tileHost: ""
     property string mapAttribution: ""
     property string tileCacheDir: ""
@@ -20,6 +18,9 @@ FocusScope {
     Component.onDestruction: if (model) model.stop()
 
     Rectangle { anchors.fill: parent; color: Theme.background }
+
+    // Holds the keyboard whenever no field does; Keys of the view see what it doesn't take.
+    Item { id: keyCatcher; focus: true }
 
     function keyPressed(event) {
         const shift = event.modifiers & Qt.ShiftModifier
@@ -50,7 +51,7 @@ FocusScope {
     Connections {
         target: player.model
         // The clip is saved: the name field lets go of the keyboard.
-        function onClipSaved() { player.forceActiveFocus() }
+        function onClipSaved() { keyCatcher.forceActiveFocus() }
     }
 
     ColumnLayout {
@@ -80,14 +81,13 @@ FocusScope {
                     Layout.fillWidth: true
                     Layout.fillHeight: true
                     model: player.model
-                    video: player.video
-                    TapHandler { onTapped: { player.forceActiveFocus(); player.model.togglePlay() } }
+                    TapHandler { onTapped: { keyCatcher.forceActiveFocus(); player.model.togglePlay() } }
                 }
                 MarkBar {
                     id: marks
                     Layout.fillWidth: true
                     model: player.model
-                    onNameDone: player.forceActiveFocus()
+                    onNameDone: keyCatcher.forceActiveFocus()
                 }
             }
 
@@ -98,7 +98,8 @@ FocusScope {
                 spacing: 10
                 PlayerMapPane {
                     Layout.fillWidth: true
-                    Layout.preferredHeight: 290
+                    Layout.fillHeight: false
+                    Layout.preferredHeight: 260
                     model: player.model
                     tileHost: player.tileHost
                     attribution: player.mapAttribution

@@ -93,6 +93,7 @@ Rectangle {
 
             ColumnLayout {
                 visible: timeline.showJogBar
+                Layout.fillWidth: false
                 Layout.preferredWidth: 52
                 Layout.fillHeight: true
                 spacing: 2

@@ -2,21 +2,19 @@
 import QtQuick
 import QtQuick.Layouts
 import Aeroloom.Services
+import Aeroloom.Review
 
 Rectangle {
     id: pane
     required property QtObject model
-    /// Draws the player's video; it receives `player`.
-    property Component video: null
     color: Theme.letterbox
     radius: 10
     clip: true
 
-    Loader {
-        id: videoLoader
+    MpvVideoItem {
+        objectName: "video"
         anchors.fill: parent
-        sourceComponent: pane.video
-        onLoaded: if (item.hasOwnProperty("player")) item.player = pane.model.player
+        player: pane.model.player
     }
 
     Row {
@@ -47,15 +45,18 @@ Rectangle {
         }
     }
 
-    Text {
+    // Paused: two bars in the corner.
+    Row {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        anchors.margins: 14
+        anchors.margins: 16
+        spacing: 4
         visible: !pane.model.playing && !pane.model.isJogging
-        text: "❚❚"
-        color: "white"
-        opacity: 0.75
-        font.pixelSize: 18
+        opacity: 0.8
+        Repeater {
+            model: 2
+            Rectangle { width: 5; height: 18; radius: 1.5; color: "white" }
+        }
     }
 
     Rectangle {

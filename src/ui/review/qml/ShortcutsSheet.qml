@@ -46,7 +46,7 @@ Dialog {
                 implicitHeight: 24
                 Rectangle {
                     id: key
-                    width: Math.max(keyText.implicitWidth + 14, 44)
+                    width: 64
                     height: 24
                     radius: 6
                     color: Theme.surfaceRaised
@@ -54,8 +54,7 @@ Dialog {
                     Text { id: keyText; anchors.centerIn: parent; text: modelData[0]; color: Theme.text; font.pixelSize: 12; font.weight: Font.Bold }
                 }
                 Text {
-                    anchors.left: key.right
-                    anchors.leftMargin: 14
+                    x: 80
                     anchors.verticalCenter: key.verticalCenter
                     text: modelData[1]
                     color: Theme.text
