@@ -8,6 +8,7 @@
 #include "FlightFile.h"
 #include "GalleryStore.h"
 #include "ImageCache.h"
+#include "ItemTree.h"
 #include "LoopbackTiles.h"
 #include "Preferences.h"
 #include "SampleMaker.h"
@@ -117,16 +118,6 @@ GalleryView {
         ASSERT_TRUE(waitUntil([&] { return store->flightCount() == 4 && !store->loading(); }, 10000));
     }
 
-    // Items made by views and repeaters hang in the item tree, not always in the object tree.
-    static QQuickItem *findItem(QQuickItem *from, const QString &name)
-    {
-        if (from->objectName() == name)
-            return from;
-        for (QQuickItem *child : from->childItems())
-            if (QQuickItem *found = findItem(child, name))
-                return found;
-        return nullptr;
-    }
     QQuickItem *card(const char *id) const
     {
         auto *item = findItem(qobject_cast<QQuickItem *>(view->rootObject()), QStringLiteral("card-") + QLatin1String(id));

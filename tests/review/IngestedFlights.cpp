@@ -65,6 +65,19 @@ IngestedFlights::IngestedFlights()
                   R"({"id":"m2","in":5.0,"out":6.5,"score":0.6,"why":"Sharp turn"}]})");
 }
 
+Clip clipOf(QString id, double start, double end, QString label, std::optional<bool> suggested)
+{
+    Clip clip;
+    clip.id = std::move(id);
+    clip.start = start;
+    clip.end = end;
+    clip.label = std::move(label);
+    clip.autoSuggested = suggested;
+    if (suggested)
+        clip.why = QStringLiteral("Smooth pan");
+    return clip;
+}
+
 bool IngestedFlights::upload(TestServer &server, const QString &id, const QString &authHeader) const
 {
     auto client = std::make_shared<APIClient>(QString::fromStdString(server.base()), authHeader);

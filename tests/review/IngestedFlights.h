@@ -1,11 +1,17 @@
 #pragma once
 
+#include "ClipRecords.h"
+
 #include <QString>
 #include <QTemporaryDir>
 
 #include <filesystem>
 
 class TestServer;
+
+/// A clip as the player's tests seed a library with: a suggestion (`suggested` true) comes with
+/// a reason.
+[[nodiscard]] Clip clipOf(QString id, double start, double end, QString label, std::optional<bool> suggested = {});
 
 /// @brief Flights as a pilot's import makes them, from real-format card files: a DJI clip with
 /// its embedded telemetry and a plain clip without any, each run through the import pipeline

@@ -19,19 +19,6 @@
 
 namespace {
 
-Clip clipOf(QString id, double start, double end, QString label, std::optional<bool> suggested = {})
-{
-    Clip clip;
-    clip.id = std::move(id);
-    clip.start = start;
-    clip.end = end;
-    clip.label = std::move(label);
-    clip.autoSuggested = suggested;
-    if (suggested)
-        clip.why = QStringLiteral("Smooth pan");
-    return clip;
-}
-
 class PlayerEndToEnd : public ::testing::Test
 {
 protected:

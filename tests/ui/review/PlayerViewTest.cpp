@@ -7,6 +7,7 @@
 #include "CoroTest.h"
 #include "FlightMapView.h"
 #include "IngestedFlights.h"
+#include "ItemTree.h"
 #include "LoopbackTiles.h"
 #include "MpvPlayer.h"
 #include "PlayerModel.h"
@@ -35,16 +36,6 @@ bool withOpenGL()
     return qEnvironmentVariableIntValue("AEROLOOM_VIDEO_GL") == 1;
 }
 
-QQuickItem *findItem(QQuickItem *from, const QString &name)
-{
-    if (from->objectName() == name)
-        return from;
-    for (QQuickItem *child : from->childItems())
-        if (QQuickItem *found = findItem(child, name))
-            return found;
-    return nullptr;
-}
-
 /// How much a picture varies: the standard deviation of its grey levels (0 for a flat area).
 double spread(const QImage &image)
 {
@@ -59,19 +50,6 @@ double spread(const QImage &image)
         }
     const double mean = sum / n;
     return std::sqrt(std::max(squares / n - mean * mean, 0.0));
-}
-
-Clip clipOf(QString id, double start, double end, QString label, std::optional<bool> suggested = {})
-{
-    Clip clip;
-    clip.id = std::move(id);
-    clip.start = start;
-    clip.end = end;
-    clip.label = std::move(label);
-    clip.autoSuggested = suggested;
-    if (suggested)
-        clip.why = QStringLiteral("Smooth pan across the ridge");
-    return clip;
 }
 
 class PlayerView : public ::testing::Test
