@@ -5,6 +5,7 @@
 #include "ClipPrompts.h"
 #include "ClipRowsModel.h"
 #include "Clock.h"
+#include "FlightMapCoordinator.h"
 #include "FlightTrack.h"
 #include "JogShuttleEngine.h"
 #include "Toast.h"
@@ -260,6 +261,11 @@ QString PlayerModel::altitudeText() const
 QString PlayerModel::speedText() const
 {
     return QStringLiteral("%1 %2").arg(speedNow()).arg(Units::speedUnit(m_metric));
+}
+
+QString PlayerModel::mapScaleText() const
+{
+    return FlightMapCoordinator::scaleLabel(m_metric);
 }
 
 QString PlayerModel::clockText() const

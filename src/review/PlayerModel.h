@@ -73,6 +73,7 @@ class PlayerModel : public QObject
     Q_PROPERTY(QString speedText READ speedText NOTIFY currentChanged FINAL)
     Q_PROPERTY(QString clockText READ clockText NOTIFY currentChanged FINAL)
     Q_PROPERTY(QString curveUnit READ curveUnit NOTIFY trackChanged FINAL)
+    Q_PROPERTY(QString mapScaleText READ mapScaleText NOTIFY unitsChanged FINAL)
     Q_PROPERTY(bool metric READ metric NOTIFY unitsChanged FINAL)
     Q_PROPERTY(bool saving READ saving NOTIFY savingChanged FINAL)
     Q_PROPERTY(QString toast READ toast NOTIFY toastChanged FINAL)
@@ -149,6 +150,8 @@ public:
     [[nodiscard]] QString clockText() const;
     /// The unit of the altitude curve: the one that stood when it was built.
     [[nodiscard]] QString curveUnit() const { return Units::altitudeUnit(m_curveMetric); }
+    /// The words of the map's scale bar, a fixed drawing.
+    [[nodiscard]] QString mapScaleText() const;
     /// Follows the units preference; the altitude curve keeps the units it was built with.
     void setMetric(bool metric);
 

@@ -8,6 +8,7 @@
 #include "IngestedFlights.h"
 #include "MpvPlayer.h"
 #include "PlayerModel.h"
+#include "ReviewSession.h"
 #include "TestServer.h"
 
 #include <gtest/gtest.h>
@@ -294,4 +295,35 @@ TEST_F(PlayerEndToEnd, TheLightProxyPlaysUnlessHighQualityIsAskedFor)
     hq.hq = true;
     open(flightId, hq);
     EXPECT_TRUE(player->currentUrl().toString().endsWith("/proxy.mp4"));
+}
+
+TEST_F(PlayerEndToEnd, TheDevelopmentEntryOpensAFlightOnlyOnceTheManifestNamesIt)
+{
+    startServer();
+    ASSERT_TRUE(flights->upload(server(), flightId, QStringLiteral("Bearer ") + token));
+    ReviewSession session(client, [] { return new MpvPlayer(MpvPlayer::Output::Headless); }, [] {
+        PlayerModel::Setup setup;
+        setup.spikeMarks = true;
+        return setup;
+    });
+    EXPECT_FALSE(run(session.openById(QStringLiteral("20990101_000000_0009"))));
+    EXPECT_EQ(session.player(), nullptr);
+
+    session.setDebugFlightId(flightId);
+    ASSERT_TRUE(run(session.openById(flightId)));
+    PlayerModel *opened = session.player();
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(opened->flightId(), flightId);
+    ASSERT_TRUE(waitUntil([&] { return opened->hasRange(); }, 20000));
+    EXPECT_NEAR(*opened->markIn(), 0.11 * opened->duration(), 1e-9);
+    EXPECT_NEAR(*opened->markOut(), 0.16 * opened->duration(), 1e-9);
+    QSignalSpy theater(&session, &ReviewSession::theaterRequested);
+    opened->requestTheater();
+    EXPECT_EQ(theater.value(0).value(0).toString(), flightId);
+
+    QPointer<PlayerModel> gone(opened);
+    session.close();
+    EXPECT_EQ(session.player(), nullptr);
+    EXPECT_TRUE(session.debugFlightId().isEmpty()) << "the main view takes over once it is closed";
+    EXPECT_TRUE(waitUntil([&] { return gone.isNull(); }));
 }

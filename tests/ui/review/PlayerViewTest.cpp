@@ -8,6 +8,7 @@
 #include "FlightMapView.h"
 #include "IngestedFlights.h"
 #include "ItemTree.h"
+#include "JogShuttleEngine.h"
 #include "LoopbackTiles.h"
 #include "MpvPlayer.h"
 #include "PlayerModel.h"
@@ -234,6 +235,25 @@ TEST_F(PlayerView, PressesOnTheMapTimelineAndKeysReachTheModel)
     const double x = plot->xOfTime(2.0);
     QTest::mouseClick(&view, Qt::LeftButton, {}, plot->mapToScene(QPointF(x, plot->height() / 2)).toPoint());
     EXPECT_TRUE(waitUntil([&] { return std::abs(model->current() - 2.0) < 0.06; }, 10000));
+
+    // The shuttle bar: a press without movement changes nothing; a pull down runs the playhead
+    // forwards at the bar's speed, and letting go plays on.
+    QQuickItem *jog = item("jogBar");
+    ASSERT_TRUE(jog);
+    const QPoint knob = jog->mapToScene(QPointF(jog->width() / 2, jog->height() / 2)).toPoint();
+    QTest::mouseClick(&view, Qt::LeftButton, {}, knob);
+    EXPECT_FALSE(model->isJogging());
+    EXPECT_FALSE(player->isPlaying()) << "a touch without movement leaves the player as it was";
+    const double before = model->current();
+    QTest::mousePress(&view, Qt::LeftButton, {}, knob);
+    QTest::mouseMove(&view, knob + QPoint(0, int(jog->height() / 2 - 20)));
+    EXPECT_TRUE(model->isJogging());
+    EXPECT_EQ(model->jog().speed(), 4);
+    ASSERT_TRUE(waitUntil([&] { return model->current() > before + 1; }, 5000));
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, knob + QPoint(0, int(jog->height() / 2 - 20)));
+    EXPECT_FALSE(model->isJogging());
+    EXPECT_TRUE(waitUntil([&] { return player->isPlaying(); }, 5000));
+    model->seek(2.0);
 
     // The keys: I and O mark, Space plays; after O the name field takes the typing (an I there is
     // a letter, not a mark), Enter saves the named clip and gives the keys back; Esc leaves.

@@ -62,7 +62,7 @@ ColumnLayout {
             anchors.margins: 10
             spacing: 2
             Text {
-                text: pane.model.metric ? "150 m" : "500 ft"
+                text: pane.model.mapScaleText
                 color: Theme.text
                 font.pixelSize: 10
                 font.weight: Font.DemiBold
