@@ -23,6 +23,8 @@ packages=(
   chromium ccache
   xvfb xauth dbus dbus-x11 gnome-keyring libsecret-tools
   fonts-dejavu-core
+  # The symbols and the full-width plus of the program's words ("✨ Auto-story", "＋ New story", ⏮ ⏭).
+  fonts-symbola fonts-wqy-microhei
 )
 
 missing=()

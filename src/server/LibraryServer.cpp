@@ -3,6 +3,7 @@
 #include "Authenticator.h"
 #include "Database.h"
 #include "DeviceSignIn.h"
+#include "FlightAnalyst.h"
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
@@ -40,6 +41,7 @@ struct LibraryServer::Impl {
     std::unique_ptr<Authenticator> auth;
     std::unique_ptr<DeviceSignIn> device;
     std::unique_ptr<MusicMaker> music;
+    std::unique_ptr<FlightAnalyst> analyst;
     std::unique_ptr<Proxy480Maker> proxies;
     std::unique_ptr<ServerContext> context;
     httplib::Server http;
@@ -161,6 +163,7 @@ void LibraryServer::Impl::routes()
     Routes::addFiles(http, *context);
     Routes::addClips(http, *context);
     Routes::addStories(http, *context);
+    Routes::addAutoreel(http, *context);
     Routes::addSamples(http, *context);
     Routes::addMusic(http, *context);
 }
@@ -202,9 +205,11 @@ Result<void> LibraryServer::open()
     d->auth = std::make_unique<Authenticator>(d->config, *d->tokens);
     d->device = std::make_unique<DeviceSignIn>(d->config, *d->library, *d->tokens);
     d->music = std::make_unique<MusicMaker>(*d->library);
+    d->analyst =
+        std::make_unique<FlightAnalyst>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
     d->proxies = std::make_unique<Proxy480Maker>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
-                                       *d->auth, *d->device, *d->music, *d->proxies});
+                                       *d->auth, *d->device, *d->music, *d->analyst, *d->proxies});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
     // Without them (no ffmpeg, say) the library still serves: that is said, not fatal.
     if (fresh && d->config.samples) {
@@ -260,11 +265,15 @@ Result<int> LibraryServer::start()
     // A stop() before the loop runs would be lost, so start() returns only once it serves.
     while (!d->http.is_running())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    // Flights not yet analysed by this version are done behind the server's back, not before it.
+    d->analyst->startSweep();
     return d->port;
 }
 
 void LibraryServer::stop()
 {
+    if (d->analyst)
+        d->analyst->stop();
     if (d->thread.joinable()) {
         d->http.stop();
         d->thread.join();

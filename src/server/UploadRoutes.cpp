@@ -68,8 +68,9 @@ void addUpload(httplib::Server &server, ServerContext &ctx)
         const auto outcome = ctx.staging.commit(*id);
         if (!outcome.ok())
             return Reply::error(res, outcome.status, outcome.detail);
+        const auto analysed = ctx.analyst.analyse(*id);
         ctx.proxies.nudge();
-        Reply::json(res, {{"analysis", "client-provided"}});
+        Reply::json(res, {{"analysis", analysed.text()}});
     });
 
     server.Delete("/api/flights/([^/]+)/staging", [&ctx](const httplib::Request &req, httplib::Response &res) {

@@ -3,6 +3,9 @@
 #include "AppEvents.h"
 #include "AppModel.h"
 #include "BrowseTypes.h"
+#include "ClipLightboxModel.h"
+#include "ClipsBrowserModel.h"
+#include "ClipsBrowserStore.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
 #include "GeocodeClient.h"
@@ -11,15 +14,22 @@
 #include "IngestPipeline.h"
 #include "IngestQueue.h"
 #include "KeychainCredentialStore.h"
+#include "LightboxTypes.h"
 #include "MountWatcher.h"
 #include "MpvPlayer.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
+#include "ReelsHubModel.h"
+#include "ReelsStore.h"
 #include "ReviewSession.h"
 #include "ReviewTypes.h"
+#include "StoriesTypes.h"
+#include "StoryDevHooks.h"
+#include "StoryNavigator.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
 #include "ThemeManager.h"
+#include "TrimSheetModel.h"
 #include "UiServices.h"
 #include "UnitsPref.h"
 #include "WindowShots.h"
@@ -118,6 +128,47 @@ int main(int argc, char *argv[])
     registerBrowseTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
 
+    // The clips section and its lightbox, and the trim sheet a story opens on one of its items.
+    // Each makes its player the first time it shows a video. A story made from picked clips
+    // opens in the stories section.
+    const auto makePlayer = [] { return std::make_unique<MpvPlayer>(); };
+    ClipsBrowserStore clipsStore(appModel.client());
+    ClipsBrowserModel clips(&clipsStore, &gallerySettings);
+    ClipLightboxModel lightbox(&clips, makePlayer);
+    TrimSheetModel trimSheet(appModel.client(), makePlayer);
+    const auto followPrefs = [&] {
+        lightbox.setMetric(units.metric());
+        lightbox.setHq(playback.hq());
+        trimSheet.setHq(playback.hq());
+    };
+    followPrefs();
+    QObject::connect(&units, &UnitsPref::metricChanged, &lightbox, followPrefs);
+    QObject::connect(&playback, &PlaybackQuality::hqChanged, &lightbox, followPrefs);
+    QObject::connect(&appModel, &AppModel::clientChanged, &clipsStore, [&] {
+        clipsStore.setClient(appModel.client());
+        trimSheet.setClient(appModel.client());
+    });
+    registerLightboxTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Clips", &clips);
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "ClipLightbox", &lightbox);
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "TrimSheet", &trimSheet);
+
+    // The stories section, and the way to a story from wherever one is made.
+    ReelsStore reels(appModel.client());
+    reels.setPlayerFactory([] { return new MpvPlayer(); });
+    reels.setHqPlayback(playback.hq());
+    QObject::connect(&playback, &PlaybackQuality::hqChanged, &reels, [&] { reels.setHqPlayback(playback.hq()); });
+    QObject::connect(&appModel, &AppModel::clientChanged, &reels, [&] { reels.setClient(appModel.client()); });
+    StoryNavigator navigator(&reels);
+    StoryDevHooks storyHooks;
+    ReelsHubModel storiesHub(&reels, &gallerySettings, &navigator, &storyHooks);
+    QObject::connect(&gallery, &GalleryStore::storyCreated, &navigator, &StoryNavigator::openStory);
+    QObject::connect(&clips, &ClipsBrowserModel::storyCreated, &navigator, &StoryNavigator::openStory);
+    registerReviewTypes();
+    registerStoriesTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);
+
     // The flight player: one open flight at a time, from the gallery or the development entry.
     // Preferences are read as each player opens.
     ReviewSession review(appModel.client(), [] { return new MpvPlayer(); }, [&] {
@@ -147,7 +198,6 @@ int main(int argc, char *argv[])
             review.openById(spikeFlight);
         }
     }
-    registerReviewTypes();
     qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Review", &review);
 
     QQmlApplicationEngine engine;

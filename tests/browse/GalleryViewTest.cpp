@@ -10,16 +10,15 @@
 #include "ImageCache.h"
 #include "ItemTree.h"
 #include "LoopbackTiles.h"
+#include "QuickShots.h"
 #include "Preferences.h"
 #include "SampleMaker.h"
-#include "TestPaths.h"
 #include "TestServer.h"
 #include "Theme.h"
 #include "ThemeManager.h"
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -120,7 +119,7 @@ GalleryView {
 
     QQuickItem *card(const char *id) const
     {
-        auto *item = findItem(qobject_cast<QQuickItem *>(view->rootObject()), QStringLiteral("card-") + QLatin1String(id));
+        auto *item = QuickShots::findItem(view->rootObject(), QStringLiteral("card-") + QLatin1String(id));
         return item && item->isVisible() ? item : nullptr;
     }
     int cardCount() const
@@ -130,17 +129,7 @@ GalleryView {
             n += card(s.id) != nullptr;
         return n;
     }
-    void shoot(const QString &name)
-    {
-        QCoreApplication::processEvents();
-        QThread::msleep(150);
-        QCoreApplication::processEvents();
-        const QImage picture = view->grabWindow();
-        ASSERT_FALSE(picture.isNull());
-        const QDir shots(TestPaths::buildDir() + "/screenshots");
-        shots.mkpath(".");
-        ASSERT_TRUE(picture.save(shots.filePath(name + ".png")));
-    }
+    void shoot(const QString &name) { QuickShots::save(*view, name); }
     nlohmann::json serverGet(const char *path) const { return jsonOf(server.client()->Get(path)); }
 };
 } // namespace

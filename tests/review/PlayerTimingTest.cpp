@@ -6,7 +6,7 @@
 #include "JogShuttleEngine.h"
 #include "ManualClock.h"
 #include "PlayerModel.h"
-#include "ScriptedPlayer.h"
+#include "ClockedPlayer.h"
 
 #include "CoroTest.h"
 
@@ -21,7 +21,7 @@ constexpr auto tick = JogShuttleEngine::tickInterval;
 
 struct Jog : ::testing::Test {
     ManualClock clock;
-    ScriptedPlayer player{clock, 60};
+    ClockedPlayer player{clock, 60};
     JogShuttleEngine engine{&clock};
     QList<double> ticks;
 
@@ -95,7 +95,7 @@ TEST_F(Jog, HoldsAtTheEndsAndRestsInTheDeadZone)
 namespace {
 struct Model : ::testing::Test {
     ManualClock clock;
-    ScriptedPlayer *player = new ScriptedPlayer(clock, 120);
+    ClockedPlayer *player = new ClockedPlayer(clock, 120);
     std::unique_ptr<PlayerModel> model;
 
     void SetUp() override

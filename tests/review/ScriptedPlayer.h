@@ -1,64 +1,102 @@
 #pragma once
 
-#include "ManualClock.h"
 #include "VideoPlayer.h"
 
 #include <QList>
+#include <QMap>
+#include <QPointer>
+#include <QTimer>
 
-#include <map>
+#include <algorithm>
 
-/// @brief A stand-in player on a hand-moved clock, for the timing rules of the jog engine and
-/// the player model: seeks take `seekLatency`, playing time runs with the clock, observers tick
-/// on it. It records every seek and how many were outstanding at once.
-class ScriptedPlayer final : public VideoPlayer
+/// @brief A stand-in player for timing rules only: seeks take `seekDelayMs` to complete (on a
+/// real timer), the playhead moves only when a test ticks it, and everything asked of it is
+/// recorded. Real playback is tested with the real player.
+class ScriptedPlayer : public VideoPlayer
 {
 public:
     struct Seek {
-        double time;
-        double before;
-        double after;
-        std::chrono::microseconds issuedAt;
+        double time, before, after;
     };
 
-    explicit ScriptedPlayer(ManualClock &clock, double duration = 60,
-                            std::chrono::milliseconds seekLatency = std::chrono::milliseconds(200));
-
-    void replaceItem(const QUrl &url, const QStringList &headers) override;
-    [[nodiscard]] QUrl currentUrl() const override { return m_url; }
-    void play() override;
-    void pause() override;
-    [[nodiscard]] bool isPlaying() const override { return m_playing; }
-    void seek(double time, double before, double after, SeekDone done = {}) override;
-    [[nodiscard]] double currentTime() const override;
-    [[nodiscard]] double duration() const override { return m_duration; }
-    [[nodiscard]] bool isMuted() const override { return false; }
-    void setMuted(bool) override {}
-    ObserverId addPeriodicTimeObserver(double intervalSeconds, QObject *context, Observer observer) override;
-    void removeTimeObserver(ObserverId id) override;
-
-    /// Moves the playhead at once, as if the file had played there.
-    void jumpTo(double time);
-
-    QStringList headers;
+    int seekDelayMs = 0;
+    QList<QUrl> loads;
     QList<Seek> seeks;
-    int outstanding = 0;
+    int outstanding = 0;     ///< seeks sent and not yet completed
     int mostOutstanding = 0;
-    int observersAdded = 0;
+
+    void replaceItem(const QUrl &url, const QStringList &) override
+    {
+        loads.append(url);
+        m_url = url;
+        m_time = 0;
+        m_duration = notKnown();
+        Q_EMIT durationChanged();
+    }
+    [[nodiscard]] QUrl currentUrl() const override { return m_url; }
+    void play() override { setPlaying(true); }
+    void pause() override { setPlaying(false); }
+    [[nodiscard]] bool isPlaying() const override { return m_playing; }
+    void seek(double time, double before, double after, SeekDone done) override
+    {
+        seeks.append({time, before, after});
+        mostOutstanding = std::max(mostOutstanding, ++outstanding);
+        auto *timer = new QTimer(this);
+        timer->setSingleShot(true);
+        QObject::connect(timer, &QTimer::timeout, this, [this, timer, time, done] {
+            timer->deleteLater();
+            --outstanding;
+            m_time = time;
+            if (done)
+                done(true);
+        });
+        timer->start(seekDelayMs);
+    }
+    [[nodiscard]] double currentTime() const override { return m_time; }
+    [[nodiscard]] double duration() const override { return m_duration; }
+    [[nodiscard]] bool isMuted() const override { return m_muted; }
+    void setMuted(bool muted) override { m_muted = muted; }
+    ObserverId addPeriodicTimeObserver(double, QObject *context, Observer observer) override
+    {
+        const ObserverId id = ++m_lastId;
+        m_observers.insert(id, {QPointer<QObject>(context), std::move(observer)});
+        return id;
+    }
+    void removeTimeObserver(ObserverId id) override { m_observers.remove(id); }
+
+    // ---- What a test does ----
+
+    /// The playhead is at `time`: every observer hears it.
+    void tick(double time)
+    {
+        m_time = time;
+        const auto observers = m_observers;
+        for (const auto &entry : observers)
+            if (entry.first)
+                entry.second(time);
+    }
+    void setDuration(double seconds)
+    {
+        m_duration = seconds;
+        Q_EMIT durationChanged();
+    }
     [[nodiscard]] int observerCount() const { return int(m_observers.size()); }
+    [[nodiscard]] double lastSeek() const { return seeks.isEmpty() ? notKnown() : seeks.last().time; }
 
 private:
-    void anchor();
+    void setPlaying(bool on)
+    {
+        if (on == m_playing)
+            return;
+        m_playing = on;
+        Q_EMIT playingChanged();
+    }
 
-    ManualClock &m_clock;
-    double m_duration;
-    std::chrono::milliseconds m_latency;
     QUrl m_url;
     bool m_playing = false;
-    double m_position = 0;
-    std::chrono::microseconds m_since{0};
-    Ticker *m_seekTimer;
-    SeekDone m_pendingDone;
-    double m_pendingTime = 0;
-    std::map<ObserverId, Ticker *> m_observers;
-    ObserverId m_next = 1;
+    bool m_muted = false;
+    double m_time = 0;
+    double m_duration = notKnown();
+    ObserverId m_lastId = 0;
+    QMap<ObserverId, std::pair<QPointer<QObject>, Observer>> m_observers;
 };

@@ -1,8 +1,8 @@
-#include "ScriptedPlayer.h"
+#include "ClockedPlayer.h"
 
 #include <algorithm>
 
-ScriptedPlayer::ScriptedPlayer(ManualClock &clock, double duration, std::chrono::milliseconds seekLatency)
+ClockedPlayer::ClockedPlayer(ManualClock &clock, double duration, std::chrono::milliseconds seekLatency)
     : m_clock(clock), m_duration(duration), m_latency(seekLatency), m_seekTimer(clock.makeTicker(this))
 {
     connect(m_seekTimer, &Ticker::timeout, this, [this] {
@@ -14,20 +14,20 @@ ScriptedPlayer::ScriptedPlayer(ManualClock &clock, double duration, std::chrono:
     });
 }
 
-void ScriptedPlayer::replaceItem(const QUrl &url, const QStringList &h)
+void ClockedPlayer::replaceItem(const QUrl &url, const QStringList &h)
 {
     m_url = url;
     headers = h;
     jumpTo(0);
 }
 
-void ScriptedPlayer::anchor()
+void ClockedPlayer::anchor()
 {
     m_position = currentTime();
     m_since = m_clock.now();
 }
 
-void ScriptedPlayer::play()
+void ClockedPlayer::play()
 {
     if (m_playing)
         return;
@@ -36,7 +36,7 @@ void ScriptedPlayer::play()
     Q_EMIT playingChanged();
 }
 
-void ScriptedPlayer::pause()
+void ClockedPlayer::pause()
 {
     if (!m_playing)
         return;
@@ -45,7 +45,7 @@ void ScriptedPlayer::pause()
     Q_EMIT playingChanged();
 }
 
-void ScriptedPlayer::seek(double time, double before, double after, SeekDone done)
+void ClockedPlayer::seek(double time, double before, double after, SeekDone done)
 {
     // Like the real one: a newer seek completes the older one unfinished.
     if (m_seekTimer->isActive()) {
@@ -63,7 +63,7 @@ void ScriptedPlayer::seek(double time, double before, double after, SeekDone don
     m_seekTimer->start(m_latency, false);
 }
 
-double ScriptedPlayer::currentTime() const
+double ClockedPlayer::currentTime() const
 {
     if (!m_playing)
         return m_position;
@@ -71,7 +71,7 @@ double ScriptedPlayer::currentTime() const
     return std::min(m_position + elapsed, m_duration);
 }
 
-ScriptedPlayer::ObserverId ScriptedPlayer::addPeriodicTimeObserver(double intervalSeconds, QObject *context,
+ClockedPlayer::ObserverId ClockedPlayer::addPeriodicTimeObserver(double intervalSeconds, QObject *context,
                                                                    Observer observer)
 {
     Ticker *ticker = m_clock.makeTicker(this);
@@ -83,7 +83,7 @@ ScriptedPlayer::ObserverId ScriptedPlayer::addPeriodicTimeObserver(double interv
     return id;
 }
 
-void ScriptedPlayer::removeTimeObserver(ObserverId id)
+void ClockedPlayer::removeTimeObserver(ObserverId id)
 {
     const auto it = m_observers.find(id);
     if (it == m_observers.end())
@@ -92,7 +92,7 @@ void ScriptedPlayer::removeTimeObserver(ObserverId id)
     m_observers.erase(it);
 }
 
-void ScriptedPlayer::jumpTo(double time)
+void ClockedPlayer::jumpTo(double time)
 {
     m_position = time;
     m_since = m_clock.now();
