@@ -7,26 +7,6 @@
 
 namespace FlightTrack {
 
-int sampleIndexAt(const QList<TrackSample> &track, double t)
-{
-    if (track.isEmpty())
-        return -1;
-    if (t <= track.first().t)
-        return 0;
-    if (t >= track.last().t)
-        return int(track.size() - 1);
-    qsizetype lo = 0;
-    qsizetype hi = track.size() - 1;
-    while (lo < hi) {
-        const qsizetype mid = (lo + hi + 1) / 2;
-        if (track[mid].t <= t)
-            lo = mid;
-        else
-            hi = mid - 1;
-    }
-    return int(lo);
-}
-
 QList<AltPoint> altitudeCurve(const QList<TrackSample> &track, bool metric)
 {
     QList<AltPoint> points;

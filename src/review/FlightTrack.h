@@ -8,17 +8,13 @@
 
 #include <optional>
 
-/// @brief What the player reads out of a flight's telemetry: the sample at a time, the thinned
-/// altitude curve, the peak, the stretch of path inside the marks, and which moments the clips
+/// @brief What the player reads out of a flight's telemetry (the sample at a time is
+/// `TrackLookup`'s): the thinned altitude curve, the peak, the stretch of path inside the marks, and which moments the clips
 /// already cover. Coordinates travel as `QPointF(longitude, latitude)`, x pointing east.
 namespace FlightTrack {
 
 /// Curves of fewer samples than this keep every sample.
 inline constexpr int curveTarget = 300;
-
-/// Index of the latest sample not after `t` (the first for earlier times, the last for later
-/// ones); -1 for an empty track. No interpolation.
-[[nodiscard]] int sampleIndexAt(const QList<TrackSample> &track, double t);
 
 /// Every `n / 300`-th sample (every one below 300), plus the last when the step skipped it;
 /// altitudes in feet unless `metric`, missing ones as 0.

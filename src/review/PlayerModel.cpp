@@ -3,12 +3,13 @@
 #include "APIClient.h"
 #include "CancelToken.h"
 #include "ClipPrompts.h"
-#include "ClipRowsModel.h"
+#include "PlayerClipRows.h"
 #include "Clock.h"
 #include "FlightMapCoordinator.h"
 #include "FlightTrack.h"
 #include "JogShuttleEngine.h"
 #include "Toast.h"
+#include "TrackLookup.h"
 #include "Units.h"
 
 
@@ -34,8 +35,8 @@ PlayerModel::PlayerModel(Flight flight, std::shared_ptr<APIClient> client, Video
       m_toast(new Toast(setup.clock, this)),
       m_segmentTimer(Clock::orSystem(setup.clock).makeTicker(this)),
       m_loadCancel(new CancelToken(this)),
-      m_myRows(new ClipRowsModel(this)),
-      m_suggestedRows(new ClipRowsModel(this))
+      m_myRows(new PlayerClipRows(this)),
+      m_suggestedRows(new PlayerClipRows(this))
 {
     connect(m_toast, &Toast::textChanged, this, &PlayerModel::toastChanged);
     connect(m_segmentTimer, &Ticker::timeout, this, [this] {
@@ -202,10 +203,7 @@ int PlayerModel::maxAltitude() const
 
 std::optional<TrackSample> PlayerModel::sample(double t) const
 {
-    const int index = FlightTrack::sampleIndexAt(m_track, t);
-    if (index < 0)
-        return std::nullopt;
-    return m_track[index];
+    return TrackLookup::sample(m_track, t);
 }
 
 int PlayerModel::altitudeNow() const

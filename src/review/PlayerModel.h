@@ -21,7 +21,7 @@
 class APIClient;
 class CancelToken;
 class Clock;
-class ClipRowsModel;
+class PlayerClipRows;
 class JogShuttleEngine;
 class Ticker;
 class Toast;
@@ -51,8 +51,8 @@ class PlayerModel : public QObject
     Q_PROPERTY(QString pendingText READ pendingText NOTIFY pendingChanged FINAL)
     Q_PROPERTY(QString title READ title NOTIFY pendingChanged FINAL)
     Q_PROPERTY(QString clipName READ clipName WRITE setClipName NOTIFY clipNameChanged FINAL)
-    Q_PROPERTY(ClipRowsModel *myClips READ myClipRows CONSTANT FINAL)
-    Q_PROPERTY(ClipRowsModel *suggestedClips READ suggestedClipRows CONSTANT FINAL)
+    Q_PROPERTY(PlayerClipRows *myClips READ myClipRows CONSTANT FINAL)
+    Q_PROPERTY(PlayerClipRows *suggestedClips READ suggestedClipRows CONSTANT FINAL)
     Q_PROPERTY(QVariantList clipRanges READ clipRanges NOTIFY clipsChanged FINAL)
     Q_PROPERTY(QVariantList suggestedRanges READ suggestedRanges NOTIFY clipsChanged FINAL)
     Q_PROPERTY(QVariantList momentRanges READ momentRanges NOTIFY clipsChanged FINAL)
@@ -125,8 +125,8 @@ public:
     [[nodiscard]] const QList<AltPoint> &altPoints() const { return m_altPoints; }
     [[nodiscard]] const QList<QPointF> &pathCoords() const { return m_pathCoords; }
     [[nodiscard]] QList<QPointF> markedPath() const;
-    [[nodiscard]] ClipRowsModel *myClipRows() const { return m_myRows; }
-    [[nodiscard]] ClipRowsModel *suggestedClipRows() const { return m_suggestedRows; }
+    [[nodiscard]] PlayerClipRows *myClipRows() const { return m_myRows; }
+    [[nodiscard]] PlayerClipRows *suggestedClipRows() const { return m_suggestedRows; }
     [[nodiscard]] QVariantList clipRanges() const;
     [[nodiscard]] QVariantList suggestedRanges() const;
     [[nodiscard]] QVariantList momentRanges() const;
@@ -278,6 +278,6 @@ private:
     Toast *m_toast;
     Ticker *m_segmentTimer;
     CancelToken *m_loadCancel;
-    ClipRowsModel *m_myRows;
-    ClipRowsModel *m_suggestedRows;
+    PlayerClipRows *m_myRows;
+    PlayerClipRows *m_suggestedRows;
 };

@@ -4,7 +4,7 @@
 #include "APIClient.h"
 #include "CancelToken.h"
 #include "ClipPrompts.h"
-#include "ClipRowsModel.h"
+#include "PlayerClipRows.h"
 #include "FlightTrack.h"
 
 #include <QPointer>

@@ -8,7 +8,6 @@
 #include "FlightFile.h"
 #include "GalleryStore.h"
 #include "ImageCache.h"
-#include "ItemTree.h"
 #include "LoopbackTiles.h"
 #include "QuickShots.h"
 #include "Preferences.h"

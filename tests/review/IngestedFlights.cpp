@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 
 #include <cmath>
 
@@ -58,11 +57,15 @@ IngestedFlights::IngestedFlights()
         const auto out = run(IngestPipeline::run(input));
         EXPECT_TRUE(out) << id.toStdString() << ": " << out.errorText().toStdString();
     }
-    // What the library's analysis would have found: a climb, and a turn no clip covers yet.
-    QFile moments(QDir(folder(withTelemetry)).filePath(QStringLiteral("moments.json")));
-    EXPECT_TRUE(moments.open(QIODevice::WriteOnly));
-    moments.write(R"({"moments":[{"id":"m1","in":1.0,"out":2.0,"score":0.8,"why":"Steady climb"},)"
-                  R"({"id":"m2","in":5.0,"out":6.5,"score":0.6,"why":"Sharp turn"}]})");
+}
+
+void IngestedFlights::setMoments(TestServer &server, const QString &id, const char *json)
+{
+    const auto file = server.library() / "flights" / id.toStdString() / "moments.json";
+    if (json)
+        writeFile(file, json);
+    else
+        std::filesystem::remove(file);
 }
 
 Clip clipOf(QString id, double start, double end, QString label, std::optional<bool> suggested)

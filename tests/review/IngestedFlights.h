@@ -27,11 +27,15 @@ public:
 
     IngestedFlights();
 
-    /// The processed folder of a flight (flight.json, proxy.mp4, thumb.jpg; moments.json for the
-    /// one with telemetry).
+    /// The processed folder of a flight (flight.json, proxy.mp4, thumb.jpg).
     [[nodiscard]] QString folder(const QString &id) const { return m_dir.filePath(id); }
     /// Staged upload and commit through the import's own uploader; false when it failed.
     [[nodiscard]] bool upload(TestServer &server, const QString &id, const QString &authHeader) const;
+    /// Puts these moments in place of what the library's analysis found (none: no file at all).
+    static void setMoments(TestServer &server, const QString &id, const char *json);
+    /// A climb the first own clip of the tests covers, and a turn no clip covers.
+    static constexpr const char *twoMoments = R"({"moments":[{"id":"m1","in":1.0,"out":2.0,"score":0.8,"why":"Steady climb"},)"
+                                              R"({"id":"m2","in":5.0,"out":6.5,"score":0.6,"why":"Sharp turn"}]})";
 
 private:
     QTemporaryDir m_dir;

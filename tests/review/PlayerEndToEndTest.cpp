@@ -3,7 +3,7 @@
 // sound): what load() brings, marks and every clip edit round-tripping through clips.json, a save
 // while the library is down, the end of a played clip, stories, and the light proxy.
 #include "APIClient.h"
-#include "ClipRowsModel.h"
+#include "PlayerClipRows.h"
 #include "CoroTest.h"
 #include "IngestedFlights.h"
 #include "MpvPlayer.h"
@@ -103,6 +103,7 @@ TEST_F(PlayerEndToEnd, LoadBringsClipsTrackStoriesAndMomentsAndPlays)
 {
     startServer();
     ASSERT_TRUE(flights->upload(server(), flightId, QStringLiteral("Bearer ") + token));
+    IngestedFlights::setMoments(server(), flightId, IngestedFlights::twoMoments);
     ASSERT_TRUE(run(client->saveClips(flightId, {clipOf("k1", 0.8, 2.0, "Take-off"),
                                                  clipOf("s1", 3.0, 4.0, "Pan left", true)})));
     ASSERT_TRUE(run(client->createProject(QStringLiteral("Alps"))));
@@ -140,6 +141,7 @@ TEST_F(PlayerEndToEnd, AFlightWithoutTelemetryOrMomentsStillPlays)
 {
     startServer();
     ASSERT_TRUE(flights->upload(server(), IngestedFlights::withoutTelemetry, QStringLiteral("Bearer ") + token));
+    IngestedFlights::setMoments(server(), IngestedFlights::withoutTelemetry, nullptr);
     open(IngestedFlights::withoutTelemetry);
     run(model->loadAsync());
     EXPECT_TRUE(model->track().isEmpty());
@@ -325,5 +327,6 @@ TEST_F(PlayerEndToEnd, TheDevelopmentEntryOpensAFlightOnlyOnceTheManifestNamesIt
     session.close();
     EXPECT_EQ(session.player(), nullptr);
     EXPECT_TRUE(session.debugFlightId().isEmpty()) << "the main view takes over once it is closed";
-    EXPECT_TRUE(waitUntil([&] { return gone.isNull(); }));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(gone.isNull()) << "the model goes with its screen";
 }

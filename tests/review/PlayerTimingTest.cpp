@@ -2,7 +2,7 @@
 // whose seeks take 200 ms: the jog engine's one seek in flight, the 30 Hz tick, the observer
 // standing aside during a jog, the end of a played clip, the keys' shuttle.
 #include "APIClient.h"
-#include "ClipRowsModel.h"
+#include "PlayerClipRows.h"
 #include "JogShuttleEngine.h"
 #include "ManualClock.h"
 #include "PlayerModel.h"

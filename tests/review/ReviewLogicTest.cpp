@@ -6,6 +6,7 @@
 #include "JogBar.h"
 #include "JogShuttleEngine.h"
 #include "TimelineScale.h"
+#include "TrackLookup.h"
 
 #include <gtest/gtest.h>
 
@@ -42,19 +43,24 @@ Moment momentOf(double start, double end)
 
 TEST(FlightTrack, SampleAtIsTheLatestNotAfterWithoutInterpolation)
 {
-    EXPECT_EQ(FlightTrack::sampleIndexAt({}, 3), -1);
+    const auto at = [](const QList<TrackSample> &track, double t) {
+        const auto s = TrackLookup::sample(track, t);
+        return s ? int(track.indexOf(*s)) : -1;
+    };
+    EXPECT_EQ(at({}, 3), -1);
     const auto track = trackOf(11, 1.0);  // 0 … 10 s
-    EXPECT_EQ(FlightTrack::sampleIndexAt(track, -5), 0);
-    EXPECT_EQ(FlightTrack::sampleIndexAt(track, 0), 0);
-    EXPECT_EQ(FlightTrack::sampleIndexAt(track, 2.9), 2);
-    EXPECT_EQ(FlightTrack::sampleIndexAt(track, 3), 3);
-    EXPECT_EQ(FlightTrack::sampleIndexAt(track, 9.99), 9);
-    EXPECT_EQ(FlightTrack::sampleIndexAt(track, 10), 10);
-    EXPECT_EQ(FlightTrack::sampleIndexAt(track, 99), 10);
+    EXPECT_EQ(at(track, -5), 0);
+    EXPECT_EQ(at(track, 0), 0);
+    EXPECT_EQ(at(track, 2.9), 2);
+    EXPECT_EQ(at(track, 3), 3);
+    EXPECT_EQ(at(track, 9.99), 9);
+    EXPECT_EQ(at(track, 10), 10);
+    EXPECT_EQ(at(track, 99), 10);
     // Two samples at one time: the later one is the latest not after it.
     QList<TrackSample> doubled = trackOf(3, 1.0);
     doubled.insert(2, doubled[1]);
-    EXPECT_EQ(FlightTrack::sampleIndexAt(doubled, 1.5), 2);
+    doubled[2].yaw = 90;
+    EXPECT_EQ(TrackLookup::sample(doubled, 1.5)->yaw, 90);
 }
 
 TEST(FlightTrack, AltitudeCurveThinsToAboutThreeHundredAndEndsAtTheEnd)

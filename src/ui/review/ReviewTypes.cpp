@@ -1,6 +1,6 @@
 #include "ReviewTypes.h"
 
-#include "ClipRowsModel.h"
+#include "PlayerClipRows.h"
 #include "FlightMapView.h"
 #include "JogBarView.h"
 #include "MpvPlayer.h"
@@ -22,6 +22,6 @@ void registerReviewTypes()
     qmlRegisterType<JogBarView>(uri, 1, 0, "JogBarView");
     qmlRegisterType<FlightMapView>(uri, 1, 0, "FlightMapView");
     qmlRegisterUncreatableType<PlayerModel>(uri, 1, 0, "PlayerModel", byProgram);
-    qmlRegisterUncreatableType<ClipRowsModel>(uri, 1, 0, "ClipRowsModel", byProgram);
+    qmlRegisterUncreatableType<PlayerClipRows>(uri, 1, 0, "PlayerClipRows", byProgram);
     qmlRegisterUncreatableType<ReviewSession>(uri, 1, 0, "ReviewSession", byProgram);
 }

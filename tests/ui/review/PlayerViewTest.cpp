@@ -7,14 +7,13 @@
 #include "CoroTest.h"
 #include "FlightMapView.h"
 #include "IngestedFlights.h"
-#include "ItemTree.h"
+#include "QuickShots.h"
 #include "JogShuttleEngine.h"
 #include "LoopbackTiles.h"
 #include "MpvPlayer.h"
 #include "PlayerModel.h"
 #include "Preferences.h"
 #include "ReviewTypes.h"
-#include "TestPaths.h"
 #include "TestServer.h"
 #include "Theme.h"
 #include "ThemeManager.h"
@@ -22,7 +21,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QQmlContext>
 #include <QQuickItem>
 #include <QQuickView>
@@ -73,6 +71,7 @@ protected:
         const QString token = QString::fromStdString(server.server().createToken("pilot@example.org"));
         client = std::make_shared<APIClient>(QString::fromStdString(server.base()), QStringLiteral("Bearer ") + token);
         ASSERT_TRUE(flights->upload(server, IngestedFlights::withTelemetry, QStringLiteral("Bearer ") + token));
+        IngestedFlights::setMoments(server, IngestedFlights::withTelemetry, IngestedFlights::twoMoments);
         ASSERT_TRUE(run(client->saveClips(IngestedFlights::withTelemetry,
                                           {clipOf("k1", 0.8, 2.0, "Take-off over the meadow"),
                                            clipOf("s1", 3.0, 4.0, "Pan left", true)})));
@@ -107,7 +106,7 @@ FlightPlayerView {
         view.show();
     }
 
-    QQuickItem *item(const char *name) const { return findItem(view.rootObject(), QString::fromLatin1(name)); }
+    QQuickItem *item(const char *name) const { return QuickShots::findItem(view.rootObject(), QString::fromLatin1(name)); }
 
     /// The window's picture of one item.
     QImage pictureOf(QQuickItem *it)
@@ -126,10 +125,8 @@ FlightPlayerView {
 
     void shoot(const QString &name)
     {
-        QTest::qWait(300);
-        const QDir shots(TestPaths::buildDir() + "/screenshots");
-        shots.mkpath(".");
-        ASSERT_TRUE(view.grabWindow().save(shots.filePath(name + ".png")));
+        QTest::qWait(150);  // the palette's change reaches the painted items
+        QuickShots::save(view, name);
     }
     QString kind() const { return withOpenGL() ? QStringLiteral("gl") : QStringLiteral("software"); }
 

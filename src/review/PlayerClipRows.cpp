@@ -1,9 +1,9 @@
-#include "ClipRowsModel.h"
+#include "PlayerClipRows.h"
 
 #include "ClipPrompts.h"
 #include "Units.h"
 
-void ClipRowsModel::setClips(const QList<Clip> &clips)
+void PlayerClipRows::setClips(const QList<Clip> &clips)
 {
     if (clips == m_clips)
         return;
@@ -15,12 +15,12 @@ void ClipRowsModel::setClips(const QList<Clip> &clips)
         Q_EMIT countChanged();
 }
 
-int ClipRowsModel::rowCount(const QModelIndex &parent) const
+int PlayerClipRows::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : int(m_clips.size());
 }
 
-QVariant ClipRowsModel::data(const QModelIndex &index, int role) const
+QVariant PlayerClipRows::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid | CheckIndexOption::ParentIsInvalid))
         return {};
@@ -50,7 +50,7 @@ QVariant ClipRowsModel::data(const QModelIndex &index, int role) const
     }
 }
 
-QHash<int, QByteArray> ClipRowsModel::roleNames() const
+QHash<int, QByteArray> PlayerClipRows::roleNames() const
 {
     return {{ClipIdRole, "clipId"},         {LabelRole, "label"},       {TitleRole, "title"},
             {StartRole, "start"},           {EndRole, "end"},           {RangeTextRole, "rangeText"},

@@ -11,7 +11,7 @@
 /// Roles: `clipId`, `label` (as stored, may be empty), `title` (the label or "Untitled clip"),
 /// `start`, `end` (seconds), `rangeText` ("0:12 – 0:18"), `lengthText` (tenths form), `why`
 /// (the server's reason, or empty), `suggestion` (bool).
-class ClipRowsModel : public QAbstractListModel
+class PlayerClipRows : public QAbstractListModel
 {
     Q_OBJECT
     Q_PROPERTY(int count READ rowCount NOTIFY countChanged FINAL)
