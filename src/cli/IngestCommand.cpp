@@ -1,4 +1,5 @@
 #include "CliCommand.h"
+#include "ServerArguments.h"
 
 #include <APIClient.h>
 #include <CardScanner.h>
@@ -26,20 +27,14 @@ struct Options {
 
 std::optional<QString> parse(QStringList args, Options &o)
 {
-    QString user, password, token;
+    const ServerArguments server = ServerArguments::take(args);
+    o.server = server.server;
+    o.authHeader = server.authHeader;
     while (!args.isEmpty()) {
         const QString arg = args.takeFirst();
         auto value = [&]() -> std::optional<QString> { return args.isEmpty() ? std::nullopt : std::optional(args.takeFirst()); };
         std::optional<QString> v;
-        if (arg == QLatin1String("--server") && (v = value()))
-            o.server = *v;
-        else if (arg == QLatin1String("--token") && (v = value()))
-            token = *v;
-        else if (arg == QLatin1String("--user") && (v = value()))
-            user = *v;
-        else if (arg == QLatin1String("--password") && (v = value()))
-            password = *v;
-        else if (arg == QLatin1String("--nominatim") && (v = value()))
+        if (arg == QLatin1String("--nominatim") && (v = value()))
             o.nominatim = *v;
         else if (arg == QLatin1String("--work") && (v = value()))
             o.work = *v;
@@ -56,10 +51,6 @@ std::optional<QString> parse(QStringList args, Options &o)
         return QStringLiteral("aeroloom-cli ingest: --server URL is needed");
     if (o.sources.isEmpty())
         return QStringLiteral("aeroloom-cli ingest: name a card folder or files");
-    if (!token.isEmpty())
-        o.authHeader = QStringLiteral("Bearer ") + token;
-    else if (!user.isEmpty())
-        o.authHeader = QStringLiteral("Basic ") + (user + QLatin1Char(':') + password).toUtf8().toBase64();
     return std::nullopt;
 }
 

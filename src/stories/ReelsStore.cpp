@@ -7,7 +7,7 @@
 ReelsStore::ReelsStore(std::shared_ptr<APIClient> client, QObject *parent)
     : QObject(parent), m_client(std::move(client))
 {
-    connect(&m_toast, &ReelsToast::textChanged, this, &ReelsStore::toastChanged);
+    connect(&m_toast, &Toast::textChanged, this, &ReelsStore::toastChanged);
 }
 
 ReelsStore::~ReelsStore() = default;

@@ -3,7 +3,7 @@
 #include "ClipRecords.h"
 #include "RenderRecords.h"
 #include "StoryRecords.h"
-#include "ReelsToast.h"
+#include "Toast.h"
 
 #include <QHash>
 #include <QList>
@@ -59,7 +59,7 @@ public:
     [[nodiscard]] bool loading() const { return m_loading; }
     [[nodiscard]] bool loadFailed() const { return m_loadFailed; }
     [[nodiscard]] QString toast() const { return m_toast.text(); }
-    [[nodiscard]] ReelsToast &toastSlot() { return m_toast; }
+    [[nodiscard]] Toast &toastSlot() { return m_toast; }
 
     [[nodiscard]] std::optional<ProjectSummary> summary(const QString &id) const;
     /// The videos of a story, in the order of `renders`; entries without a story never match.
@@ -112,5 +112,5 @@ private:
     bool m_loadFailed = false;
     bool m_hqPlayback = false;
     PlayerFactory m_playerFactory;
-    ReelsToast m_toast;
+    Toast m_toast;
 };

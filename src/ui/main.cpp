@@ -6,6 +6,8 @@
 #include "ClipLightboxModel.h"
 #include "ClipsBrowserModel.h"
 #include "ClipsBrowserStore.h"
+#include "CutFlowFactory.h"
+#include "CuttingTypes.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
 #include "GeocodeClient.h"
@@ -67,8 +69,11 @@ int main(int argc, char *argv[])
     parser.process(app);
 
     // The offscreen platform has no GPU: draw in software so pictures come out the same everywhere.
+    // Elsewhere OpenGL, which mpv draws video with.
     if (QGuiApplication::platformName() == QLatin1String("offscreen"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    else
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
     Preferences prefs;
@@ -168,6 +173,10 @@ int main(int argc, char *argv[])
     registerStoriesTypes();
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);
+
+    // The cut window makes its own model each time it opens, from the session of the moment.
+    CutFlowFactory cutFlows(appModel, prefs);
+    registerCuttingTypes(cutFlows);
 
     // The flight player: one open flight at a time, from the gallery or the development entry.
     // Preferences are read as each player opens.

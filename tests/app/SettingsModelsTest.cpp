@@ -110,7 +110,12 @@ TEST(SettingsModels, PendingUploadsAddUpAndClear)
     EXPECT_EQ(model.pendingBytes(), 0);
 
     EXPECT_EQ(model.outputName(), QStringLiteral("~/Videos/Aeroloom"));
+    // An older build left only the plain path: it still names the folder.
+    prefs.prefs->setValue("cut.outputRoot.path", dir.filePath("Old"));
+    EXPECT_EQ(model.outputName(), QStringLiteral("Old"));
     model.setOutputFolder(QUrl::fromLocalFile(dir.filePath("Cuts")));
     EXPECT_EQ(model.outputName(), QStringLiteral("Cuts"));
-    EXPECT_EQ(prefs.reopen()->stringValue("cut.outputRoot.path"), dir.filePath("Cuts"));
+    // The cut window reads the same key; the plain path of old goes so the two can't disagree.
+    EXPECT_EQ(prefs.reopen()->stringValue("cut.outputRoot"), dir.filePath("Cuts"));
+    EXPECT_FALSE(prefs.prefs->contains("cut.outputRoot.path"));
 }

@@ -198,7 +198,7 @@ TEST_F(StoriesStore, DeleteRemovesTheStoryOrSaysItFailed)
 TEST_F(StoriesStore, ToastStandsItsTimeAndANewerOneKeepsAllOfIts)
 {
     using namespace std::chrono_literals;
-    store->toastSlot().setDuration(300ms);
+    store->toastSlot().setStand(300ms);
     store->showToast("Renamed");
     waitUntil([] { return false; }, 200);
     store->showToast("Story deleted");

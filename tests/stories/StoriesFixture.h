@@ -33,7 +33,7 @@ protected:
     std::shared_ptr<APIClient> client = std::make_shared<APIClient>(proxy->base(), std::nullopt);
     std::unique_ptr<ReelsStore> store = std::make_unique<ReelsStore>(client);
 
-    void SetUp() override { store->toastSlot().setDuration(std::chrono::milliseconds(10000)); }
+    void SetUp() override { store->toastSlot().setStand(std::chrono::milliseconds(10000)); }
 
     // The client's connections close before the proxy stops, so its stop doesn't wait them out.
     void TearDown() override
