@@ -21,6 +21,7 @@ struct Options {
     bool geocode = true;
     bool keep = false;
     QString nominatim;
+    QString contact;
     QString work = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Aeroloom");
     QStringList sources;
 };
@@ -36,6 +37,8 @@ std::optional<QString> parse(QStringList args, Options &o)
         std::optional<QString> v;
         if (arg == QLatin1String("--nominatim") && (v = value()))
             o.nominatim = *v;
+        else if (arg == QLatin1String("--contact") && (v = value()))
+            o.contact = *v;
         else if (arg == QLatin1String("--work") && (v = value()))
             o.work = *v;
         else if (arg == QLatin1String("--no-geocode"))
@@ -63,6 +66,7 @@ QCoro::Task<int> runIngest(QStringList args)
     GeocodeClient::Options geoOptions;
     if (!o.nominatim.isEmpty())
         geoOptions.server = QUrl(o.nominatim);
+    geoOptions.contact = o.contact;
     GeocodeClient geocoder(geoOptions);
 
     IngestQueue::Services services;
@@ -123,10 +127,13 @@ CliCommand ingestCommand()
 {
     return {QStringLiteral("ingest"), QStringLiteral("process flights and upload them to a library"),
             QStringLiteral("usage: aeroloom-cli ingest DIR|FILE... --server URL [--token T | --user U --password P]\n"
-                           "                           [--no-geocode] [--keep] [--nominatim URL] [--work DIR]\n\n"
+                           "                           [--contact ADDRESS | --no-geocode] [--keep] [--nominatim URL]\n"
+                           "                           [--work DIR]\n\n"
                            "Runs the import queue headless: finds the flights, processes two at a time and\n"
                            "uploads one at a time, printing each change of phase as \"<id><TAB><phase>\".\n"
                            "Exits 0 only when every flight is in the library (uploaded or already there).\n\n"
+                           "  --contact ADDRESS  your e-mail address, which OpenStreetMap asks of whoever looks\n"
+                           "                   up places; without it no place names are looked up\n"
                            "  --no-geocode     don't look up place names\n"
                            "  --keep           keep the processed files after upload\n"
                            "  --nominatim URL  the reverse-geocoding server (default: OpenStreetMap's)\n"
