@@ -130,6 +130,9 @@ void Proxy480Maker::make(const std::string &id, const std::stop_token &stop)
          QStringLiteral("-map"), QStringLiteral("0:v:0"), QStringLiteral("-map"), QStringLiteral("0:a:0?"),
          QStringLiteral("-vf"), QString::fromLatin1(scaleFilter()), QStringLiteral("-c:v"), QStringLiteral("libx264"),
          QStringLiteral("-preset"), QStringLiteral("veryfast"), QStringLiteral("-crf"), QStringLiteral("25"),
+         // A keyframe every second: a jog's exact seeks decode from the keyframe before, and the
+         // import's proxies, with one every eight seconds or so, show a jog at a few frames a second.
+         QStringLiteral("-force_key_frames"), QStringLiteral("expr:gte(t,n_forced*1)"),
          QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p"), QStringLiteral("-c:a"), QStringLiteral("aac"),
          QStringLiteral("-b:a"), QStringLiteral("96k"), QStringLiteral("-movflags"), QStringLiteral("+faststart"),
          QStringLiteral("-f"), QStringLiteral("mp4"), QStringLiteral("-y"), QString::fromStdString(part.string())},

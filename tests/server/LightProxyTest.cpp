@@ -40,6 +40,26 @@ QString sizeOf(const fs::path &video)
     return QString::fromUtf8(ffprobe.readAllStandardOutput()).trimmed();
 }
 
+/// The largest gap between a video's keyframes, in seconds; its length when it has only one.
+double longestKeyframeGap(const fs::path &video)
+{
+    QProcess ffprobe;
+    ffprobe.start(QStringLiteral("ffprobe"),
+                  {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"), QStringLiteral("v:0"),
+                   QStringLiteral("-skip_frame"), QStringLiteral("nokey"), QStringLiteral("-show_entries"),
+                   QStringLiteral("frame=pts_time:format=duration"), QStringLiteral("-of"), QStringLiteral("csv=p=0"),
+                   QString::fromStdString(video.string())});
+    ffprobe.waitForFinished(-1);
+    QList<double> times;
+    for (const QString &line : QString::fromUtf8(ffprobe.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts))
+        times.append(line.split(u',').first().toDouble());
+    // The container's duration comes last.
+    double gap = 0;
+    for (qsizetype i = 1; i < times.size(); ++i)
+        gap = std::max(gap, times[i] - times[i - 1]);
+    return gap;
+}
+
 bool listedLight(TestServer &server, const std::string &id)
 {
     const auto manifest = jsonOf(server.client()->Get("/manifest.json"));
@@ -117,6 +137,8 @@ TEST(LightProxy, AStopMidEncodeLeavesNothingAndTheNextStartFinishesIt)
     });
     ASSERT_TRUE(waitUntil([&] { return listedLight(second, "20240102_030405_0005"); }, 180000));
     EXPECT_EQ(sizeOf(library / "flights" / "20240102_030405_0005" / "proxy_480.mp4"), "854x480");
+    // A source with one keyframe in 20 s gets one a second, which is what keeps a jog fluid.
+    EXPECT_LE(longestKeyframeGap(library / "flights" / "20240102_030405_0005" / "proxy_480.mp4"), 1.05);
     // A proxy ffmpeg can't read gets none, and holds nothing up.
     EXPECT_FALSE(listedLight(second, "20240102_030405_0004"));
     EXPECT_FALSE(fs::exists(library / "flights" / "20240102_030405_0004" / "proxy_480.mp4"));
