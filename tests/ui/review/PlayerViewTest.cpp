@@ -268,6 +268,14 @@ TEST_F(PlayerView, PressesOnTheMapTimelineAndKeysReachTheModel)
     QTest::keyClick(&view, Qt::Key_Return);
     ASSERT_TRUE(waitUntil([&] { return model->toast() == "Clip saved"; }, 10000));
     EXPECT_EQ(model->myClips().last().label, "Ridge I");
+    // The 3D button asks for this flight's theater.
+    QSignalSpy theater(model.get(), &PlayerModel::theaterRequested);
+    QQuickItem *threeD = item("theaterButton");
+    ASSERT_TRUE(threeD);
+    QTest::mouseClick(&view, Qt::LeftButton, {}, threeD->mapToScene(QPointF(threeD->width() / 2, threeD->height() / 2)).toPoint());
+    ASSERT_EQ(theater.count(), 1);
+    EXPECT_EQ(theater.value(0).value(0).toString(), model->flight().id);
+    view.rootObject()->forceActiveFocus();
     QSignalSpy leave(view.rootObject(), SIGNAL(closeRequested()));
     QTest::keyClick(&view, Qt::Key_Escape);
     EXPECT_EQ(leave.count(), 1);

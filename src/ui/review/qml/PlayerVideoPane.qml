@@ -45,17 +45,24 @@ Rectangle {
         }
     }
 
-    // Paused: two bars in the corner.
-    Row {
+    // Paused: two bars in the corner, on a backing that reads over a white frame too.
+    Rectangle {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        anchors.margins: 16
-        spacing: 4
+        anchors.margins: 12
+        width: pauseBars.implicitWidth + 16
+        height: pauseBars.implicitHeight + 12
+        radius: 6
+        color: Qt.rgba(0.03, 0.06, 0.12, 0.6)
         visible: !pane.model.playing && !pane.model.isJogging
-        opacity: 0.8
-        Repeater {
-            model: 2
-            Rectangle { width: 5; height: 18; radius: 1.5; color: "white" }
+        Row {
+            id: pauseBars
+            anchors.centerIn: parent
+            spacing: 4
+            Repeater {
+                model: 2
+                Rectangle { width: 5; height: 18; radius: 1.5; color: "white" }
+            }
         }
     }
 
