@@ -16,12 +16,14 @@ QString ffmpeg()
     return ToolLocator::ffmpeg().value_or(QString());
 }
 
-Result<void> run(const QString &program, const QStringList &arguments, std::chrono::milliseconds timeout)
+Result<void> run(const QString &program, const QStringList &arguments, std::chrono::milliseconds timeout,
+                 std::stop_token cancel)
 {
     if (program.isEmpty())
         return ProcessError::startFailed(QStringLiteral("ffmpeg"), QStringLiteral("it was not found"));
     // A child that runs past its time is stopped the way a cancelled one is.
     std::stop_source stop;
+    const std::stop_callback cancelled(cancel, [&stop] { stop.request_stop(); });
     std::jthread watchdog([&stop, timeout](std::stop_token done) {
         std::mutex mutex;
         std::condition_variable_any wake;

@@ -23,6 +23,7 @@
 #include "Preferences.h"
 #include "ReelsHubModel.h"
 #include "ReelsStore.h"
+#include "ReviewSession.h"
 #include "ReviewTypes.h"
 #include "SingleInstance.h"
 #include "StoriesTypes.h"
@@ -204,6 +205,37 @@ int main(int argc, char *argv[])
     // The cut window makes its own model each time it opens, from the session of the moment.
     CutFlowFactory cutFlows(appModel, prefs);
     registerCuttingTypes(cutFlows);
+
+    // The flight player: one open flight at a time, from the gallery or the development entry.
+    // Preferences are read as each player opens.
+    ReviewSession review(appModel.client(), [] { return new MpvPlayer(); }, [&] {
+        PlayerModel::Setup setup;
+        setup.hq = playback.hq();
+        setup.metric = units.metric();
+        setup.spikeMarks = qEnvironmentVariable("SPIKE_MARK") == QLatin1String("1");
+        return setup;
+    });
+    QObject::connect(&appModel, &AppModel::clientChanged, &review, [&] { review.setClient(appModel.client()); });
+    QObject::connect(&units, &UnitsPref::metricChanged, &review, [&] { review.setMetric(units.metric()); });
+    QObject::connect(&gallery, &GalleryStore::flightOpened, &review, [&] {
+        if (gallery.opened())
+            review.open(*gallery.opened());
+    });
+    // The 3D theater of a flight: asked for by the player's "3D" button and by SPIKE_THEATER.
+    const auto openTheater = [](const QString &flightId) {
+        Q_UNUSED(flightId)  // the theater screen is connected here when it lands
+    };
+    QObject::connect(&review, &ReviewSession::theaterRequested, &review, openTheater);
+    const QString spikeFlight = qEnvironmentVariable("SPIKE_FLIGHT");
+    if (appModel.loggedIn() && !spikeFlight.isEmpty()) {
+        if (qEnvironmentVariable("SPIKE_THEATER") == QLatin1String("1")) {
+            openTheater(spikeFlight);
+        } else {
+            review.setDebugFlightId(spikeFlight);
+            review.openById(spikeFlight);
+        }
+    }
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Review", &review);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,

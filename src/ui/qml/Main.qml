@@ -3,6 +3,7 @@
 import QtQuick
 import QtQuick.Controls
 import Aeroloom.Services
+import Aeroloom.Review
 
 ThemedWindow {
     id: main
@@ -59,6 +60,7 @@ ThemedWindow {
     Loader {
         anchors.fill: parent
         sourceComponent: !App.loggedIn ? loginScreen
+                       : Review.debugFlightId !== "" ? debugPlayer
                        : App.screenOverride === "reels" ? storiesOnly : mainView
     }
 
@@ -66,6 +68,11 @@ ThemedWindow {
     Component {
         id: mainView
         MacMainView { onSettingsRequested: settingsWindow.open() }
+    }
+    // The development entry: one flight's player alone, nothing until the flight is found.
+    Component {
+        id: debugPlayer
+        Rectangle { color: Theme.background; PlayerScreen { anchors.fill: parent } }
     }
     Component {
         id: storiesOnly
