@@ -22,6 +22,10 @@
 #include "ReviewTypes.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
+#include "TheaterController.h"
+#include "TheaterTypes.h"
+#include "TheaterWebEngine.h"
+#include "TileMath.h"
 #include "ThemeManager.h"
 #include "TrimSheetModel.h"
 #include "UiServices.h"
@@ -42,6 +46,8 @@
 int main(int argc, char *argv[])
 {
     const qint64 startedMs = QDateTime::currentMSecsSinceEpoch();
+    // The theater's web view shares OpenGL with the windows: set up before the application.
+    initializeWebEngine();
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("Aeroloom"));
     QGuiApplication::setApplicationName(QStringLiteral("Aeroloom"));
@@ -147,6 +153,17 @@ int main(int argc, char *argv[])
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Clips", &clips);
     qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "ClipLightbox", &lightbox);
     qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "TrimSheet", &trimSheet);
+
+    // The 3D theater of a flight, over the main window: `theater.open(flightId)` shows it (the
+    // player's "3D" button), and so does the development entry SPIKE_FLIGHT with SPIKE_THEATER=1.
+    TheaterController theater(appModel.client(), [&] {
+        return TheaterController::PageOptions{units.metric(), TileMath::baseMapTemplate(gallery.tileHost(), theme.dark())};
+    });
+    QObject::connect(&appModel, &AppModel::clientChanged, &theater, [&] { theater.setClient(appModel.client()); });
+    if (const auto flight = TheaterController::spikeFlight(appModel.environment()); flight && appModel.loggedIn())
+        theater.open(*flight);
+    registerTheaterTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Theater", &theater);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
