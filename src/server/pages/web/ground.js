@@ -55,19 +55,18 @@ export class Ground {
             onChange('grid');
     }
 
-    /** A square grid over the area, about 30 cells across, in round metres. */
+    /**
+     * A square grid over the area, about 30 cells across, in round metres. Lines on the sky's own
+     * colour: a filled ground would cost software GL a whole screen of pixels every frame.
+     */
     #grid() {
         const a = this.area;
         const size = Math.max(a.x1 - a.x0, a.z1 - a.z0);
         const step = [10, 20, 25, 50, 100, 200, 250, 500, 1000, 2000, 5000].find((s) => size / s <= 30) ?? 10000;
         const cells = Math.ceil(size / step);
-        const grid = new THREE.GridHelper(cells * step, cells, 0x46586f, 0x26334d);
+        const grid = new THREE.GridHelper(cells * step, cells, 0x52647d, 0x2a3852);
         grid.position.set((a.x0 + a.x1) / 2, 0, (a.z0 + a.z1) / 2);
-        const base = new THREE.Mesh(new THREE.PlaneGeometry(cells * step, cells * step),
-                                    new THREE.MeshBasicMaterial({ color: 0x111a30 }));
-        base.rotation.x = -Math.PI / 2;
-        base.position.set(grid.position.x, -0.05, grid.position.z);
-        this.group.add(base, grid);
+        this.group.add(grid);
     }
 
     /** The deepest zoom whose tiles over the area number no more than `maxTiles`. */

@@ -117,7 +117,7 @@ function posts(scene, track, kept, ground, most) {
     const shadowGeometry = new THREE.BufferGeometry();
     shadowGeometry.setAttribute('position', new THREE.BufferAttribute(shadow, 3));
     scene.add(new THREE.Line(shadowGeometry, new THREE.LineBasicMaterial({
-        color: 0x000000, transparent: true, opacity: 0.45, depthWrite: false })));
+        color: 0x8e9bb8, transparent: true, opacity: 0.35, depthWrite: false })));
 }
 
 function start(doc, track, base) {
