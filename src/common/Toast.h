@@ -21,6 +21,8 @@ public:
     /// Empty while nothing is shown.
     [[nodiscard]] QString text() const { return m_text; }
     [[nodiscard]] std::chrono::milliseconds stand() const { return m_stand; }
+    /// Tests shorten the wait; a message already shown keeps the time it started with.
+    void setStand(std::chrono::milliseconds stand) { m_stand = stand; }
 
 public Q_SLOTS:
     void show(const QString &text);

@@ -22,7 +22,7 @@ struct mpv_event;
 /// gives up on the video of a file that starts without a render context. A headless player
 /// loads at once.
 ///
-/// Seeks: zero tolerance both ways is an exact seek; otherwise see `seekFlags`. The completion
+/// Seeks are exact whatever their tolerance (see `seekFlags` for why). The completion
 /// comes with mpv's `playback-restart` after the seek, on the GUI thread. Only the latest seek
 /// is owed a completion: a newer seek or `replaceItem` completes the older one with false.
 /// `time-pos` is read when asked for (`currentTime`, observer ticks), never observed, so a
@@ -116,12 +116,12 @@ private:
     bool m_firstFrameSeen = false;
     QString m_lastError;         ///< mpv's latest error message for the latest file
     double m_resumeAt = notKnown(); ///< where a file reopened for a new render item starts
+    bool m_videoGoing = false;   ///< the render item let go; mpv will end the file for it
 
     bool m_paused = true;
     bool m_playing = false;
     int m_pauseSetsInFlight = 0;
     bool m_muted = false;
-    int m_muteSetsInFlight = 0;
     double m_duration = notKnown();
 
     std::optional<PendingSeek> m_seek;

@@ -7,7 +7,6 @@
 
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
-#include <QOpenGLFunctions>
 #include <QQuickOpenGLUtils>
 #include <QQuickWindow>
 #include <QSGTexture>
@@ -37,21 +36,15 @@ MpvGlNode *MpvGlNode::create(QQuickWindow *window, mpv_handle *client, std::shar
 }
 
 MpvGlNode::MpvGlNode(QQuickWindow *window, std::unique_ptr<MpvRenderContext> context)
-    : m_window(window)
-    , m_context(std::move(context))
+    : MpvVideoNode(window, std::move(context))
 {
-    setFiltering(QSGTexture::Linear);
     // Drawn outside the window's render pass, on the render thread, before the frame that shows it.
-    m_beforeRendering = QObject::connect(m_window, &QQuickWindow::beforeRendering, [this] { render(); });
+    m_beforeRendering = QObject::connect(window, &QQuickWindow::beforeRendering, [this] { render(); });
 }
 
 MpvGlNode::~MpvGlNode()
 {
     QObject::disconnect(m_beforeRendering);
-    // The framebuffer and mpv's GL objects go while the scene graph's context is current.
-    m_context.reset();
-    m_texture.reset();
-    m_fbo.reset();
 }
 
 void MpvGlNode::sync(QSize pixels)
@@ -59,13 +52,11 @@ void MpvGlNode::sync(QSize pixels)
     pixels = pixels.expandedTo(QSize(1, 1));
     if (!m_fbo || m_fbo->size() != pixels) {
         auto fbo = std::make_unique<QOpenGLFramebufferObject>(pixels);
-        std::unique_ptr<QSGTexture> texture(QNativeInterface::QSGOpenGLTexture::fromNative(fbo->texture(), m_window, pixels));
-        setTexture(texture.get());
-        m_texture = std::move(texture);
+        show(std::unique_ptr<QSGTexture>(QNativeInterface::QSGOpenGLTexture::fromNative(fbo->texture(), window(), pixels)));
         m_fbo = std::move(fbo);
         m_renderPending = true;
     }
-    if (m_context->takeNewFrame())
+    if (context().takeNewFrame())
         m_renderPending = true;
 }
 
@@ -74,15 +65,15 @@ void MpvGlNode::render()
     if (!m_renderPending || !m_fbo)
         return;
     m_renderPending = false;
-    m_window->beginExternalCommands();
+    window()->beginExternalCommands();
     QQuickOpenGLUtils::resetOpenGLState();
     mpv_opengl_fbo target{int(m_fbo->handle()), m_fbo->width(), m_fbo->height(), 0};
     int flipY = 0;
     mpv_render_param params[] = {{MPV_RENDER_PARAM_OPENGL_FBO, &target},
                                  {MPV_RENDER_PARAM_FLIP_Y, &flipY},
                                  {MPV_RENDER_PARAM_INVALID, nullptr}};
-    mpv_render_context_render(m_context->get(), params);
+    mpv_render_context_render(context().get(), params);
     QOpenGLFramebufferObject::bindDefault();
-    m_window->endExternalCommands();
+    window()->endExternalCommands();
     markDirty(QSGNode::DirtyMaterial);
 }

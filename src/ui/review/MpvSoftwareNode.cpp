@@ -15,24 +15,11 @@ MpvSoftwareNode *MpvSoftwareNode::create(QQuickWindow *window, mpv_handle *clien
     return context ? new MpvSoftwareNode(window, std::move(context)) : nullptr;
 }
 
-MpvSoftwareNode::MpvSoftwareNode(QQuickWindow *window, std::unique_ptr<MpvRenderContext> context)
-    : m_window(window)
-    , m_context(std::move(context))
-{
-    setFiltering(QSGTexture::Linear);
-}
-
-MpvSoftwareNode::~MpvSoftwareNode()
-{
-    m_context.reset();
-    m_texture.reset();
-}
-
 void MpvSoftwareNode::sync(QSize pixels)
 {
     pixels = pixels.expandedTo(QSize(1, 1));
     const bool resized = m_image.size() != pixels;
-    if (!m_context->takeNewFrame() && !resized && m_texture)
+    if (!context().takeNewFrame() && !resized && showsAnything())
         return;
     if (resized)
         m_image = QImage(pixels, QImage::Format_RGBX8888);
@@ -44,9 +31,7 @@ void MpvSoftwareNode::sync(QSize pixels)
                                  {MPV_RENDER_PARAM_SW_STRIDE, &stride},
                                  {MPV_RENDER_PARAM_SW_POINTER, m_image.bits()},
                                  {MPV_RENDER_PARAM_INVALID, nullptr}};
-    if (mpv_render_context_render(m_context->get(), params) < 0)
+    if (mpv_render_context_render(context().get(), params) < 0)
         m_image.fill(Qt::black);
-    std::unique_ptr<QSGTexture> texture(m_window->createTextureFromImage(m_image));
-    setTexture(texture.get());
-    m_texture = std::move(texture);
+    show(std::unique_ptr<QSGTexture>(window()->createTextureFromImage(m_image)));
 }

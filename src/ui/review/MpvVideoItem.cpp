@@ -14,7 +14,7 @@ namespace {
 /// held the player before may free its context a frame or two later.
 constexpr int renderAttempts = 30;
 
-/// What stands where no video can be drawn.
+/// What stands where no video can be drawn: the letterbox colour of both palettes.
 class PlainNode : public QSGSimpleRectNode
 {
 public:
@@ -46,6 +46,7 @@ void MpvVideoItem::releaseResources()
 {
     // The scene graph drops this item's node, and the render context with it.
     letGo();
+    m_attemptsLeft = renderAttempts;
     QQuickItem::releaseResources();
 }
 
@@ -54,7 +55,16 @@ void MpvVideoItem::setPlayer(VideoPlayer *player)
     if (player == m_player)
         return;
     letGo();
+    disconnect(m_playerGone);
     m_player = player;
+    // A player that goes first takes its picture along: the render context must not keep its
+    // core alive for as long as the item stands.
+    if (player)
+        m_playerGone = connect(player, &QObject::destroyed, this, [this] {
+            m_playerChanged = true;
+            update();
+            Q_EMIT playerChanged();
+        });
     m_playerChanged = true;
     m_attemptsLeft = renderAttempts;
     update();
@@ -83,12 +93,9 @@ QSGNode *MpvVideoItem::updatePaintNode(QSGNode *old, UpdatePaintNodeData *)
     QSGNode *node = old ? old : makeNode();
     const QRectF area = boundingRect();
     const QSize pixels = (area.size() * window()->effectiveDevicePixelRatio()).toSize();
-    if (auto *gl = dynamic_cast<MpvGlNode *>(node)) {
-        gl->setRect(area);
-        gl->sync(pixels);
-    } else if (auto *software = dynamic_cast<MpvSoftwareNode *>(node)) {
-        software->setRect(area);
-        software->sync(pixels);
+    if (auto *video = dynamic_cast<MpvVideoNode *>(node)) {
+        video->setRect(area);
+        video->sync(pixels);
     } else if (auto *plain = dynamic_cast<PlainNode *>(node)) {
         plain->setRect(area);
     }

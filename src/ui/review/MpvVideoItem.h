@@ -46,6 +46,7 @@ private:
     void letGo();
 
     QPointer<VideoPlayer> m_player;
+    QMetaObject::Connection m_playerGone;
     QPointer<MpvPlayer> m_drawing;  ///< the player whose render context this item made
     bool m_playerChanged = false;
     int m_attemptsLeft = 0;

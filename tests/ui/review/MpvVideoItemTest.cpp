@@ -199,6 +199,21 @@ TEST_F(MpvVideoItemTest, ANewItemTakesOverTheVideoOfTheSamePlayer)
     EXPECT_LT(settleOn(referenceFrame(library->goodFile(), 4.0, dir.filePath("frame4.png"))), 12);
 }
 
+TEST_F(MpvVideoItemTest, APlayerThatGoesTakesItsPictureAlong)
+{
+    auto lightbox = std::make_unique<MpvPlayer>(MpvPlayer::Output::Render);
+    view.rootContext()->setContextProperty("videoPlayer", lightbox.get());
+    QSignalSpy ready(lightbox.get(), &VideoPlayer::firstFrameReady);
+    lightbox->replaceItem(library->good(), library->headers());
+    ASSERT_TRUE(ready.wait(20000));
+    lightbox.reset();
+    const QColor plain(11, 18, 36);
+    EXPECT_TRUE(waitUntil([&] {
+        const QImage area = videoArea();
+        return area.pixelColor(area.width() / 2, area.height() / 2) == plain;
+    }));
+}
+
 TEST_F(MpvVideoItemTest, APlayerWithoutVideoOutputLeavesAPlainArea)
 {
     MpvPlayer headless(MpvPlayer::Output::Headless);
