@@ -217,8 +217,17 @@ int main(int argc, char *argv[])
         return TheaterController::PageOptions{units.metric(), TileMath::baseMapTemplate(gallery.tileHost(), theme.dark())};
     });
     QObject::connect(&appModel, &AppModel::clientChanged, &theater, [&] { theater.setClient(appModel.client()); });
-    if (const auto flight = TheaterController::spikeFlight(appModel.environment()); flight && appModel.loggedIn())
-        theater.open(*flight);
+    // Signed out, the sign-in view shows and no theater over it; signing in brings the
+    // development entry's flight back.
+    const auto spikeFlight = TheaterController::spikeFlight(appModel.environment());
+    QObject::connect(&appModel, &AppModel::loggedInChanged, &theater, [&] {
+        if (!appModel.loggedIn())
+            theater.close();
+        else if (spikeFlight)
+            theater.open(*spikeFlight);
+    });
+    if (spikeFlight && appModel.loggedIn())
+        theater.open(*spikeFlight);
     registerTheaterTypes();
     qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Theater", &theater);
 

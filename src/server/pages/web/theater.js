@@ -202,8 +202,8 @@ function start(doc, track, base) {
             const w = gl.drawingBufferWidth, h = gl.drawingBufferHeight;
             const pixels = new Uint8Array(w * h * 4);
             gl.readPixels(0, 0, w, h, gl.RGBA, gl.UNSIGNED_BYTE, pixels);
-            const bg = new THREE.Color(background);
-            const [r, g, b] = [bg.r, bg.g, bg.b].map((c) => Math.round(c * 255));
+            // The clear colour as it lands in the canvas: the sRGB bytes, not three.js's linear floats.
+            const [r, g, b] = [16, 8, 0].map((shift) => (background >> shift) & 0xff);
             let differ = 0;
             const colours = new Set();
             for (let i = 0; i < pixels.length; i += 4) {
