@@ -6,6 +6,7 @@ import { report } from '../web/browser.mjs';
 
 const source = process.env.AEROLOOM_SOURCE_DIR ?? process.cwd();
 const { Track, TrackError } = await import(pathToFileURL(path.join(source, 'src/server/pages/web/track.js')));
+const { Resolution } = await import(pathToFileURL(path.join(source, 'src/server/pages/web/resolution.js')));
 
 const sample = (t, north, east, extra = {}) => ({
     t, lat: 46 + north / 111195, lon: 7 + east / (111195 * Math.cos(46 * Math.PI / 180)),
@@ -79,5 +80,21 @@ const out = {};
     const repeated = Track.fromFlight({ track: [sample(0, 0, 0), sample(1, 1, 0), sample(1, 2, 0), sample(0.5, 3, 0), sample(2, 4, 0)] });
     out.repeatedKept = repeated.length;
     out.repeatedRecorded = repeated.recorded;
+}
+
+// The drawing size, against stand-ins for a machine whose frame time grows with the pixels
+// drawn, and one whose time goes elsewhere (the video): both run at about 25 frames a second,
+// unevenly, as the machine's other work makes them.
+{
+    const run = (cost, frames, from = null) => {
+        const resolution = from ?? new Resolution(1, () => {});
+        for (let i = 0; i < frames; ++i) resolution.frame(cost(resolution.ratio, i) + (i % 2 ? -9 : 9));
+        return resolution;
+    };
+    const pixelBound = run((r) => 12 + 28 * r * r, 2000);
+    out.pixelBoundRatio = pixelBound.ratio;
+    out.recoveredRatio = run(() => 15, 3000, pixelBound).ratio;
+    out.elsewhereRatio = run(() => 40, 2000).ratio;
+    out.stalledRatio = run((r, i) => (i % 50 === 49 ? 5000 : 17), 600).ratio;
 }
 report(out);

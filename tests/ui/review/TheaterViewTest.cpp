@@ -218,6 +218,14 @@ TEST_F(TheaterViewTest, FliesTheLibrarysPageWithItsSessionAndLeavesByALinkOrEsc)
     EXPECT_TRUE(waitUntil([&] { return !theater.active(); }, 5000));
     EXPECT_EQ(page(), nullptr);
 
+    // The close button over the page leaves at any moment, even before the page has come.
+    theater.open(flightId);
+    QQuickItem *close = QuickShots::findItem(view.rootObject(), "theaterClose");
+    ASSERT_NE(close, nullptr);
+    ASSERT_TRUE(close->isVisible());
+    QTest::mouseClick(&view, Qt::LeftButton, {}, close->mapToScene(QPointF(close->width() / 2, close->height() / 2)).toPoint());
+    EXPECT_TRUE(waitUntil([&] { return !theater.active(); }, 3000));
+
     // The page's own link leaves too, wherever it points; the pilot never sees where.
     theater.open(flightId);
     ASSERT_EQ(waitForSamples(), library->samples());

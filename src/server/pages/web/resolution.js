@@ -1,11 +1,18 @@
 // Keeps the motion smooth where WebGL runs in software: while frames come slower than about
 // 30 a second the scene is drawn with fewer pixels (down to half the width and height), and
-// while they come quickly it is drawn finer again, up to the screen's own density.
+// while they come quickly it is drawn finer again, up to the screen's own density. It follows
+// the frame time's running average: single frames come and go with the machine's other work,
+// and a rate that hovers just under 30 must still count as slow. Each step down is a trial:
+// when the frames don't come noticeably quicker for it (the time goes to the video or the
+// machine, not to the pixels), the old size comes back and stays until frames come quickly.
 
-const slowMs = 36;    // slower than about 28 frames a second
-const quickMs = 24;   // quicker than about 42
-const slowRun = 8;    // frames in a row before drawing coarser
-const quickRun = 90;  // before drawing finer again: coarser is cheap to try, finer is not
+const slowMs = 34;      // slower than about 29 frames a second
+const quickMs = 22;     // quicker than about 45
+const smoothing = 0.1;  // the weight of the newest frame in the average
+const slowRun = 15;     // frames of a slow average before drawing coarser
+const settleRun = 30;   // frames at a coarser size before judging it
+const worthIt = 1.1;    // how much quicker a coarser size must make the frames to be kept
+const quickRun = 120;   // before drawing finer again: coarser is cheap to try, finer is not
 const lowest = 0.5;
 
 export class Resolution {
@@ -14,6 +21,9 @@ export class Resolution {
         this.best = best;
         this.ratio = best;
         this.apply = apply;
+        this.floor = lowest;
+        this.trial = null;
+        this.average = null;
         this.slow = 0;
         this.quick = 0;
         apply(best);
@@ -21,16 +31,33 @@ export class Resolution {
 
     /** Hears the time since the last frame, in milliseconds. */
     frame(interval) {
-        if (interval > slowMs) {
-            this.quick = 0;
-            if (++this.slow >= slowRun && this.ratio > lowest) {
-                this.#set(Math.max(lowest, this.ratio * 0.8));
-                this.slow = 0;
+        // A page in the background or a stalled tab says nothing about drawing.
+        if (interval > 1000)
+            return;
+        this.average = this.average === null ? interval : this.average + smoothing * (interval - this.average);
+        if (this.trial) {
+            if (++this.trial.frames < settleRun)
+                return;
+            const { from, before } = this.trial;
+            this.trial = null;
+            if (before / this.average < worthIt) {
+                this.floor = from;
+                this.#set(from);
             }
-        } else if (interval < quickMs) {
+            return;
+        }
+        if (this.average > slowMs) {
+            this.quick = 0;
+            if (++this.slow >= slowRun && this.ratio > this.floor) {
+                this.trial = { from: this.ratio, before: this.average, frames: 0 };
+                this.#set(Math.max(this.floor, this.ratio * 0.85));
+            }
+        } else if (this.average < quickMs) {
             this.slow = 0;
-            if (++this.quick >= quickRun && this.ratio < this.best) {
-                this.#set(Math.min(this.best, this.ratio * 1.15));
+            if (++this.quick >= quickRun) {
+                this.floor = lowest;
+                if (this.ratio < this.best)
+                    this.#set(Math.min(this.best, this.ratio * 1.1));
                 this.quick = 0;
             }
         } else {
@@ -42,5 +69,9 @@ export class Resolution {
     #set(ratio) {
         this.ratio = ratio;
         this.apply(ratio);
+        // The frames drawn at the old size say nothing of the new one.
+        this.average = null;
+        this.slow = 0;
+        this.quick = 0;
     }
 }
