@@ -166,6 +166,7 @@ void LibraryServer::Impl::routes()
     Routes::addAutoreel(http, *context);
     Routes::addSamples(http, *context);
     Routes::addMusic(http, *context);
+    Routes::addTheater(http, *context);
 }
 
 LibraryServer::LibraryServer(ServerConfig config) : d(std::make_unique<Impl>())

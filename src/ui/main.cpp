@@ -32,6 +32,10 @@
 #include "SystemColorScheme.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
+#include "TheaterController.h"
+#include "TheaterTypes.h"
+#include "TheaterWebEngine.h"
+#include "TileMath.h"
 #include "ThemeManager.h"
 #include "TrimSheetModel.h"
 #include "UiServices.h"
@@ -53,6 +57,8 @@
 int main(int argc, char *argv[])
 {
     const qint64 startedMs = QDateTime::currentMSecsSinceEpoch();
+    // The theater's web view shares OpenGL with the windows: set up before the application.
+    initializeWebEngine();
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("Aeroloom"));
     QGuiApplication::setApplicationName(QStringLiteral("Aeroloom"));
@@ -206,6 +212,25 @@ int main(int argc, char *argv[])
     CutFlowFactory cutFlows(appModel, prefs);
     registerCuttingTypes(cutFlows);
 
+    // The 3D theater of a flight, over the main window: `theater.open(flightId)` shows it (the
+    // player's "3D" button), and so does the development entry SPIKE_FLIGHT with SPIKE_THEATER=1.
+    TheaterController theater(appModel.client(), [&] {
+        return TheaterController::PageOptions{units.metric(), TileMath::baseMapTemplate(gallery.tileHost(), theme.dark())};
+    });
+    QObject::connect(&appModel, &AppModel::clientChanged, &theater, [&] { theater.setClient(appModel.client()); });
+    // Signed out, the sign-in view shows and no theater over it; signing in brings the
+    // development entry's flight back.
+    const auto spikeFlight = TheaterController::spikeFlight(appModel.environment());
+    QObject::connect(&appModel, &AppModel::loggedInChanged, &theater, [&] {
+        if (!appModel.loggedIn())
+            theater.close();
+        else if (spikeFlight)
+            theater.open(*spikeFlight);
+    });
+    if (spikeFlight && appModel.loggedIn())
+        theater.open(*spikeFlight);
+    registerTheaterTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Theater", &theater);
     // The flight player: one open flight at a time, from the gallery or the development entry.
     // Preferences are read as each player opens.
     ReviewSession review(appModel.client(), [] { return new MpvPlayer(); }, [&] {
@@ -221,19 +246,12 @@ int main(int argc, char *argv[])
         if (gallery.opened())
             review.open(*gallery.opened());
     });
-    // The 3D theater of a flight: asked for by the player's "3D" button and by SPIKE_THEATER.
-    const auto openTheater = [](const QString &flightId) {
-        Q_UNUSED(flightId)  // the theater screen is connected here when it lands
-    };
-    QObject::connect(&review, &ReviewSession::theaterRequested, &review, openTheater);
-    const QString spikeFlight = qEnvironmentVariable("SPIKE_FLIGHT");
-    if (appModel.loggedIn() && !spikeFlight.isEmpty()) {
-        if (qEnvironmentVariable("SPIKE_THEATER") == QLatin1String("1")) {
-            openTheater(spikeFlight);
-        } else {
-            review.setDebugFlightId(spikeFlight);
-            review.openById(spikeFlight);
-        }
+    QObject::connect(&review, &ReviewSession::theaterRequested, &theater, &TheaterController::open);
+    // SPIKE_FLIGHT alone opens the player; with SPIKE_THEATER=1 the theater took it above.
+    const QString spikePlayerFlight = qEnvironmentVariable("SPIKE_FLIGHT");
+    if (appModel.loggedIn() && !spikePlayerFlight.isEmpty() && !spikeFlight) {
+        review.setDebugFlightId(spikePlayerFlight);
+        review.openById(spikePlayerFlight);
     }
     qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Review", &review);
 

@@ -4,6 +4,7 @@ import QtQuick
 import QtQuick.Controls
 import Aeroloom.Services
 import Aeroloom.Review
+import "qrc:/aeroloom/review"
 
 ThemedWindow {
     id: main
@@ -77,6 +78,14 @@ ThemedWindow {
     Component {
         id: storiesOnly
         SectionView { section: "reels" }
+    }
+
+    // The 3D theater of a flight, over everything else in the main window.
+    Loader {
+        anchors.fill: parent
+        z: 10
+        active: Theater.active
+        sourceComponent: MacTheaterView { controller: Theater }
     }
 
     ImportWindow { id: importWindow; onShowMainRequested: main.open() }
