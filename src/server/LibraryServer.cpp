@@ -1,12 +1,14 @@
 #include "LibraryServer.h"
 
 #include "Authenticator.h"
+#include "ConnectionFront.h"
 #include "Database.h"
 #include "DeviceSignIn.h"
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
 #include "Reply.h"
+#include "RoutedServer.h"
 #include "Routes.h"
 #include "SampleMaker.h"
 #include "ServerContext.h"
@@ -19,7 +21,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -27,7 +28,6 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
-#include <thread>
 
 struct LibraryServer::Impl {
     ServerConfig config;
@@ -40,8 +40,8 @@ struct LibraryServer::Impl {
     std::unique_ptr<DeviceSignIn> device;
     std::unique_ptr<MusicMaker> music;
     std::unique_ptr<ServerContext> context;
-    httplib::Server http;
-    std::thread thread;
+    RoutedServer http;
+    std::unique_ptr<ConnectionFront> front;
     int port = 0;
     int lockFd = -1;  ///< held while this server owns the library
 
@@ -91,9 +91,6 @@ void LibraryServer::Impl::refuse(httplib::Response &res) const
 
 void LibraryServer::Impl::guard()
 {
-    // Replies leave as headers then body; without this TCP holds the body back until the
-    // client's delayed acknowledgement, some 40 ms per request.
-    http.set_tcp_nodelay(true);
     http.set_pre_routing_handler([this](const httplib::Request &req, httplib::Response &res) {
         // A request with neither Content-Length nor Transfer-Encoding has no body, as HTTP says
         // and as the desktop client sends its bodiless POSTs and DELETEs; httplib would instead
@@ -226,21 +223,17 @@ Result<int> LibraryServer::start()
     }
     d->guard();
     d->routes();
-    // httplib's default also sets SO_REUSEPORT, which would let a second server share a port
-    // that is already taken; only SO_REUSEADDR is wanted (a quick restart after a stop).
-    d->http.set_socket_options([](socket_t sock) {
-        int yes = 1;
-        ::setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    });
     // Uploads over a slow link may pause; a minute of silence is the sign of a client gone.
-    d->http.set_read_timeout(std::chrono::seconds(60));
-    d->http.set_write_timeout(std::chrono::seconds(60));
+    ConnectionFront::Limits limits;
+    limits.readTimeout = limits.writeTimeout = std::chrono::seconds(60);
+    limits.headDeadline = d->config.headDeadline;
+    d->http.set_keep_alive_timeout(std::chrono::duration_cast<std::chrono::seconds>(limits.idle).count());
+    d->http.set_keep_alive_max_count(limits.maxRequests);
+    d->front = std::make_unique<ConnectionFront>(
+        [this](httplib::Stream &stream) { return d->http.serveOne(stream); }, limits);
+    d->http.setServing(true);
     errno = 0;
-    if (d->config.port == 0) {
-        d->port = d->http.bind_to_any_port(d->config.host);
-    } else {
-        d->port = d->http.bind_to_port(d->config.host, d->config.port) ? d->config.port : -1;
-    }
+    d->port = d->front->listen(d->config.host, d->config.port);
     if (d->port <= 0) {
         const int error = errno;
         const QString where = QStringLiteral("%1:%2").arg(QString::fromStdString(d->config.host)).arg(d->config.port);
@@ -251,18 +244,15 @@ Result<int> LibraryServer::start()
                        QStringLiteral("The server can't listen on %1: %2.")
                            .arg(where, QString::fromUtf8(error ? std::strerror(error) : "the address is not usable"))};
     }
-    d->thread = std::thread([this] { d->http.listen_after_bind(); });
-    // A stop() before the loop runs would be lost, so start() returns only once it serves.
-    while (!d->http.is_running())
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return d->port;
 }
 
 void LibraryServer::stop()
 {
-    if (d->thread.joinable()) {
-        d->http.stop();
-        d->thread.join();
+    if (d->front) {
+        d->http.setServing(false);
+        d->front->stop();
+        d->front.reset();
     }
     d->unlock();
 }
