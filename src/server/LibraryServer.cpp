@@ -277,9 +277,17 @@ std::string LibraryServer::createToken(const std::string &email)
     return d->tokens->create(email, "command line");
 }
 
-Result<std::string> LibraryServer::createToken(const std::filesystem::path &library, const std::string &email)
+Result<std::string> LibraryServer::createToken(const ServerConfig &config, const std::string &email)
 {
-    auto opened = Library::open(library);
+    // A library that doesn't exist yet is made as serving it would make it, samples and all, so
+    // both ways of starting a library give the same library. If a server is starting on it at
+    // this moment, that server makes it, and the token only needs the database.
+    if (!std::filesystem::exists(config.library / "library.db")) {
+        LibraryServer maker(config);
+        if (maker.open())
+            return maker.createToken(email);
+    }
+    auto opened = Library::open(config.library);
     if (!opened)
         return opened.failure();
     auto db = Database::open(opened->database());

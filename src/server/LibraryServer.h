@@ -31,9 +31,9 @@ public:
     [[nodiscard]] const ServerConfig &config() const;
     /// An API token for this library, as `aeroloom-server token create` makes one.
     [[nodiscard]] std::string createToken(const std::string &email = "pilot@localhost");
-    /// The same for a library folder, whether or not a server is serving it.
-    [[nodiscard]] static Result<std::string> createToken(const std::filesystem::path &library,
-                                                         const std::string &email);
+    /// The same for a library folder, whether or not a server is serving it; a new library is
+    /// made first, as `open()` makes it.
+    [[nodiscard]] static Result<std::string> createToken(const ServerConfig &config, const std::string &email);
 
 private:
     struct Impl;
