@@ -5,7 +5,7 @@
 #include <httplib.h>
 
 namespace {
-constexpr std::chrono::hours sessionLife{12};
+constexpr auto sessionLife = Authenticator::sessionLife;
 
 std::string page(const std::string &title, const std::string &text)
 {
@@ -72,7 +72,8 @@ namespace Routes {
 
 bool isPublic(const httplib::Request &req)
 {
-    return req.path.rfind("/api/auth/device/", 0) == 0 || req.path.rfind("/auth/device/", 0) == 0;
+    return req.path.rfind("/api/auth/device/", 0) == 0 || req.path.rfind("/auth/device/", 0) == 0
+        || req.path.rfind("/api/auth/web/", 0) == 0 || isAccountPage(req);
 }
 
 void addAuth(httplib::Server &server, ServerContext &ctx)

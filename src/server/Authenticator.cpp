@@ -42,6 +42,11 @@ std::optional<std::string> Authenticator::bearer(const httplib::Request &request
     return header.substr(7);
 }
 
+std::optional<std::string> Authenticator::session(const httplib::Request &request)
+{
+    return cookie(request, sessionCookie);
+}
+
 std::optional<std::string> Authenticator::basic(const std::string &header) const
 {
     if (header.rfind("Basic ", 0) != 0)
@@ -70,8 +75,8 @@ std::optional<std::string> Authenticator::identify(const httplib::Request &reque
     case AuthMode::Token:
         if (const auto token = bearer(request))
             return m_tokens.lookup(*token);
-        if (const auto session = cookie(request, sessionCookie))
-            return m_tokens.lookupSession(*session, m_config.now());
+        if (const auto web = session(request))
+            return m_tokens.lookupSession(*web, m_config.now());
         return std::nullopt;
     }
     return std::nullopt;

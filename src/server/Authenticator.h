@@ -3,6 +3,7 @@
 #include "ServerConfig.h"
 #include "TokenStore.h"
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -18,6 +19,8 @@ class Authenticator
 {
 public:
     static constexpr const char *sessionCookie = "aeroloom_session";
+    /// How long a web session lasts.
+    static constexpr std::chrono::hours sessionLife{12};
 
     Authenticator(const ServerConfig &config, TokenStore &tokens) : m_config(config), m_tokens(tokens) {}
 
@@ -25,6 +28,8 @@ public:
     [[nodiscard]] std::optional<std::string> identify(const httplib::Request &request) const;
     /// The Bearer token of a request, when it carries one.
     [[nodiscard]] static std::optional<std::string> bearer(const httplib::Request &request);
+    /// The web session of a request's cookie, when it carries one.
+    [[nodiscard]] static std::optional<std::string> session(const httplib::Request &request);
     [[nodiscard]] AuthMode mode() const { return m_config.auth; }
 
 private:

@@ -158,6 +158,7 @@ void LibraryServer::Impl::routes()
     Routes::addStories(http, *context);
     Routes::addSamples(http, *context);
     Routes::addMusic(http, *context);
+    Routes::addAccount(http, *context);
 }
 
 LibraryServer::LibraryServer(ServerConfig config) : d(std::make_unique<Impl>())

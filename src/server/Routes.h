@@ -27,9 +27,13 @@ void addStories(httplib::Server &server, ServerContext &ctx);
 void addSamples(httplib::Server &server, ServerContext &ctx);
 /// api/music and music/<track>.
 void addMusic(httplib::Server &server, ServerContext &ctx);
+/// settings.html, the account page, with its API tokens and its sign-in; and the page files.
+void addAccount(httplib::Server &server, ServerContext &ctx);
 
 /// Streams a file, honouring one byte range (206) and refusing one past the end (416).
 void serveFile(const httplib::Request &req, httplib::Response &res, const std::filesystem::path &file);
-/// Paths that answer without credentials: the sign-in of a device and its link.
+/// Paths that answer without credentials: the sign-in of a device and its link, and pages.
 [[nodiscard]] bool isPublic(const httplib::Request &req);
+/// The account page and its files, which hold no data and sign the visitor in.
+[[nodiscard]] bool isAccountPage(const httplib::Request &req);
 }

@@ -61,3 +61,30 @@ std::optional<std::string> TokenStore::lookupSession(const std::string &token, s
         return st.text(0);
     return std::nullopt;
 }
+
+std::vector<TokenStore::Listed> TokenStore::list(const std::string &email)
+{
+    std::vector<Listed> out;
+    auto guard = m_db.lock();
+    auto st = m_db.prepare("SELECT substr(hash, 1, ?), name, created FROM tokens WHERE email=? ORDER BY rowid");
+    st.bind(1, std::int64_t(idLength)).bind(2, email);
+    while (st.step())
+        out.push_back({st.text(0), st.text(1), st.text(2)});
+    return out;
+}
+
+bool TokenStore::revoke(const std::string &email, const std::string &id)
+{
+    if (id.size() != idLength)
+        return false;
+    auto guard = m_db.lock();
+    auto st = m_db.prepare("DELETE FROM tokens WHERE email=? AND substr(hash, 1, ?)=?");
+    st.bind(1, email).bind(2, std::int64_t(idLength)).bind(3, id);
+    return st.run() && m_db.changes() > 0;
+}
+
+void TokenStore::endSession(const std::string &token)
+{
+    auto guard = m_db.lock();
+    m_db.prepare("DELETE FROM sessions WHERE hash=?").bind(1, digest(token)).run();
+}

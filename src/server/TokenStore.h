@@ -5,6 +5,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// @brief API tokens and web sessions. Only their SHA-256 digests are kept on disk.
 class TokenStore
@@ -16,6 +17,20 @@ public:
     [[nodiscard]] std::string create(const std::string &email, const std::string &name);
     /// The e-mail address of a token, when it is one of ours.
     [[nodiscard]] std::optional<std::string> lookup(const std::string &token);
+
+    /// A token as its owner sees it in a list: never its text, which isn't kept.
+    struct Listed {
+        std::string id;  ///< the start of the token's digest: names it for revoking
+        std::string name;
+        std::string created;
+    };
+    [[nodiscard]] std::vector<Listed> list(const std::string &email);
+    /// Ends one token of this e-mail address; false when it has none of that id.
+    bool revoke(const std::string &email, const std::string &id);
+    /// Ends a web session (signing out of a page).
+    void endSession(const std::string &token);
+    /// Length of a listed token's id, in hexadecimal digits.
+    static constexpr std::size_t idLength = 16;
 
     /// A web session for the holder of a token, valid until `expires`.
     [[nodiscard]] std::string createSession(const std::string &email, std::chrono::system_clock::time_point expires);
