@@ -42,6 +42,7 @@ struct LibraryServer::Impl {
     std::unique_ptr<ServerContext> context;
     RoutedServer http;
     std::unique_ptr<ConnectionFront> front;
+    bool installed = false;
     int port = 0;
     int lockFd = -1;  ///< held while this server owns the library
 
@@ -52,6 +53,7 @@ struct LibraryServer::Impl {
         lockFd = -1;
     }
 
+    void install();
     void routes();
     void guard();
     void refuse(httplib::Response &res) const;
@@ -148,6 +150,16 @@ void LibraryServer::Impl::guard()
     }
 }
 
+void LibraryServer::Impl::install()
+{
+    if (installed)
+        return;
+    installed = true;
+    guard();
+    routes();
+    http.setServing(true);
+}
+
 void LibraryServer::Impl::routes()
 {
     Routes::addAuth(http, *context);
@@ -222,8 +234,7 @@ Result<int> LibraryServer::start()
         if (auto opened = open(); !opened)
             return opened.failure();
     }
-    d->guard();
-    d->routes();
+    d->install();
     // Uploads over a slow link may pause; a minute of silence is the sign of a client gone.
     ConnectionFront::Limits limits;
     limits.readTimeout = limits.writeTimeout = std::chrono::seconds(60);
@@ -256,6 +267,14 @@ void LibraryServer::stop()
         d->front.reset();
     }
     d->unlock();
+}
+
+bool LibraryServer::serve(httplib::Stream &stream)
+{
+    if (!d->context && !open())
+        return false;
+    d->install();
+    return d->http.serveOne(stream);
 }
 
 int LibraryServer::port() const
