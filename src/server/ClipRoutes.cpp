@@ -1,15 +1,15 @@
+#include "LibraryFiles.h"
 #include "Names.h"
 #include "RecordCheck.h"
 #include "Reply.h"
 #include "Routes.h"
 #include "ServerContext.h"
+#include "Suggestions.h"
 
 #include <httplib.h>
 
 #include <cmath>
-#include <fstream>
 
-namespace fs = std::filesystem;
 using nlohmann::ordered_json;
 
 namespace {
@@ -104,23 +104,15 @@ void addClips(httplib::Server &server, ServerContext &ctx)
         if (!row)
             return Reply::error(res, 404, "There is no flight " + *id);
         std::string why;
-        const auto clips = merged(*id, std::move(*body), row->clips, why);
+        auto clips = merged(*id, std::move(*body), row->clips, why);
         if (!clips)
             return Reply::error(res, 400, why);
+        if (row->clips)
+            Suggestions::rememberTossed(ordered_json::parse(*row->clips, nullptr, false), *clips);
         const std::string text = clips->dump();
-        const fs::path part = ctx.library.tmpName(".json");
-        {
-            std::ofstream out(part, std::ios::binary);
-            out << text;
-            if (!out.flush())
-                return Reply::error(res, 507, "The server's disk is full");
-        }
-        std::error_code ec;
-        fs::rename(part, ctx.library.flight(*id) / "clips.json", ec);
-        if (ec || !ctx.flights.setClips(*id, text)) {
-            fs::remove(part, ec);
+        if (!LibraryFiles::replace(ctx.library, ctx.library.flight(*id) / "clips.json", text)
+            || !ctx.flights.setClips(*id, text))
             return Reply::error(res, 500, "The server can't store the clips");
-        }
         Reply::json(res, {{"saved", (*clips)["clips"].size()}});
     });
 }

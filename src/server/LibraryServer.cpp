@@ -4,6 +4,7 @@
 #include "ConnectionFront.h"
 #include "Database.h"
 #include "DeviceSignIn.h"
+#include "FlightAnalyst.h"
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
@@ -39,6 +40,7 @@ struct LibraryServer::Impl {
     std::unique_ptr<Authenticator> auth;
     std::unique_ptr<DeviceSignIn> device;
     std::unique_ptr<MusicMaker> music;
+    std::unique_ptr<FlightAnalyst> analyst;
     std::unique_ptr<ServerContext> context;
     RoutedServer http;
     std::unique_ptr<ConnectionFront> front;
@@ -168,6 +170,7 @@ void LibraryServer::Impl::routes()
     Routes::addFiles(http, *context);
     Routes::addClips(http, *context);
     Routes::addStories(http, *context);
+    Routes::addAutoreel(http, *context);
     Routes::addSamples(http, *context);
     Routes::addMusic(http, *context);
     Routes::addAccount(http, *context);
@@ -210,8 +213,10 @@ Result<void> LibraryServer::open()
     d->auth = std::make_unique<Authenticator>(d->config, *d->tokens);
     d->device = std::make_unique<DeviceSignIn>(d->config, *d->library, *d->tokens);
     d->music = std::make_unique<MusicMaker>(*d->library);
+    d->analyst =
+        std::make_unique<FlightAnalyst>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
-                                       *d->auth, *d->device, *d->music});
+                                       *d->auth, *d->device, *d->music, *d->analyst});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
     // Without them (no ffmpeg, say) the library still serves: that is said, not fatal.
     if (fresh && d->config.samples) {
@@ -256,11 +261,15 @@ Result<int> LibraryServer::start()
                        QStringLiteral("The server can't listen on %1: %2.")
                            .arg(where, QString::fromUtf8(error ? std::strerror(error) : "the address is not usable"))};
     }
+    // Flights not yet analysed by this version are done behind the server's back, not before it.
+    d->analyst->startSweep();
     return d->port;
 }
 
 void LibraryServer::stop()
 {
+    if (d->analyst)
+        d->analyst->stop();
     if (d->front) {
         d->http.setServing(false);
         d->front->stop();

@@ -23,6 +23,8 @@ void addFiles(httplib::Server &server, ServerContext &ctx);
 void addClips(httplib::Server &server, ServerContext &ctx);
 /// api/projects: stories and their cut lists.
 void addStories(httplib::Server &server, ServerContext &ctx);
+/// api/autoreel: a story drafted from the library's clips and moments.
+void addAutoreel(httplib::Server &server, ServerContext &ctx);
 /// api/samples: the sample flights, their removal and restoring.
 void addSamples(httplib::Server &server, ServerContext &ctx);
 /// api/music and music/<track>.

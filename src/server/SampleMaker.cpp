@@ -1,7 +1,9 @@
 #include "SampleMaker.h"
 
+#include "FlightAnalyst.h"
 #include "FlightCheck.h"
 #include "FlightFile.h"
+#include "Suggestions.h"
 #include "ToolRun.h"
 
 #include <QString>
@@ -70,17 +72,25 @@ Result<void> makeMedia(const fs::path &folder, const Sample &sample, int seconds
                          QString::fromStdString((folder / "thumb.jpg").string())});
 }
 
-ordered_json clipsFile(int seconds)
+/// The gimbal over the flight: level-ish, then down to the ground, then up to the horizon.
+double gimbalPitch(double phase)
+{
+    if (phase < 0.6)
+        return -20.0;
+    if (phase < 0.75)
+        return -20.0 - 50.0 * (phase - 0.6) / 0.15;
+    if (phase < 0.88)
+        return -70.0;
+    return -70.0 + 65.0 * (phase - 0.88) / 0.12;
+}
+
+/// A sample's clips: one kept, as a pilot would have marked it, and what the analysis suggests.
+ordered_json clipsFile(int seconds, const std::vector<Shot> &shots, int &suggested)
 {
     const double s = seconds;
-    return {{"clips",
-             {{{"id", "sample-orbit"}, {"in", 0.15 * s}, {"out", 0.4 * s}, {"label", "Orbit over the water"}},
-              {{"id", "sample-climb"},
-               {"in", 0.55 * s},
-               {"out", 0.8 * s},
-               {"label", ""},
-               {"auto", true},
-               {"why", "Steady climb with the horizon in view"}}}}};
+    const ordered_json kept = {
+        {"clips", {{{"id", "sample-orbit"}, {"in", 0.15 * s}, {"out", 0.4 * s}, {"label", "Orbit over the water"}}}}};
+    return Suggestions::clips(kept, shots, s, suggested);
 }
 } // namespace
 
@@ -89,7 +99,8 @@ namespace SampleMaker {
 FlightData flightFile(double lat, double lon, double seconds, const std::string &source, const std::string &place)
 {
     // Three quarters of an orbit that widens while the aircraft climbs to 80 m and comes back
-    // down, at the easy pace of a filming flight (about 10 m/s).
+    // down, at the easy pace of a filming flight (about 10 m/s), the camera on the centre; it
+    // looks down on the way down and tilts up to the horizon at the end.
     const double rate = 10.0;
     const int count = static_cast<int>(seconds * rate) + 1;
     FlightData data;
@@ -114,11 +125,11 @@ FlightData flightFile(double lat, double lon, double seconds, const std::string 
         sample.lon = pLon;
         sample.relAlt = alt;
         sample.absAlt = alt + 12.5;
-        sample.yaw = std::fmod(angle * 180 / std::numbers::pi + 90, 360) - 180;
+        sample.yaw = std::remainder(angle * 180 / std::numbers::pi + 180, 360);  // facing the centre
         sample.pitch = -4.0;
         sample.roll = 2.0;
         sample.gimbalYaw = sample.yaw;
-        sample.gimbalPitch = -20.0;
+        sample.gimbalPitch = gimbalPitch(phase);
         sample.iso = 100.0;
         sample.shutter = RawJSON::text(QStringLiteral("1/500"));
         sample.fnum = 2.8;
@@ -159,14 +170,14 @@ Result<int> make(const Library &library, FlightIndex &index, std::mutex &folderL
         fs::create_directories(folder, ec);
         const auto media = makeMedia(folder, sample, seconds);
         const auto flight = flightFile(sample.lat, sample.lon, seconds, sample.source, sample.place);
-        const std::string clips = clipsFile(seconds).dump();
+        // The samples' suggestions and moments come from the same analysis as every flight's.
+        const auto found = FlightAnalyst::findings(flight);
+        int suggested = 0;
+        const ordered_json clipsDoc = clipsFile(seconds, found.shots, suggested);
+        const std::string clips = clipsDoc.dump();
         const bool written = media && FlightFile::write(flight, QString::fromStdString(folder.string()))
             && writeText(folder / "clips.json", clips)
-            && writeText(folder / "moments.json",
-                         ordered_json{{"moments",
-                                       {{{"id", "m1"}, {"in", 0.5 * seconds}, {"out", 0.7 * seconds}, {"score", 0.8},
-                                         {"why", "Steady climb"}}}}}
-                             .dump());
+            && writeText(folder / "moments.json", Suggestions::moments(nullptr, found.shots, clipsDoc).dump());
         if (!written) {
             fs::remove_all(folder, ec);
             return media ? Failure{QStringLiteral("server"), 3, QStringLiteral("The sample flights can't be written.")}

@@ -9,7 +9,8 @@
 #include <string>
 
 /// @brief The sample flights a new library starts with, made here with ffmpeg: a test-pattern
-/// proxy, a thumbnail, a plausible flight path with altitude, a kept clip and a suggestion.
+/// proxy, a thumbnail, a plausible flight path with altitude, a kept clip, and the suggestions and
+/// moments the analysis finds in the path.
 namespace SampleMaker {
 /// Makes the samples and adds them to the library; returns how many were made.
 [[nodiscard]] Result<int> make(const Library &library, FlightIndex &index, std::mutex &folderLock,

@@ -3,6 +3,7 @@
 #include "Authenticator.h"
 #include "Database.h"
 #include "DeviceSignIn.h"
+#include "FlightAnalyst.h"
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
@@ -21,4 +22,5 @@ struct ServerContext {
     Authenticator &auth;
     DeviceSignIn &device;
     MusicMaker &music;
+    FlightAnalyst &analyst;
 };

@@ -1,11 +1,10 @@
+#include "ProjectTable.h"
 #include "RecordCheck.h"
 #include "Reply.h"
 #include "Routes.h"
 #include "ServerContext.h"
 
 #include <httplib.h>
-
-#include <QDateTime>
 
 #include <algorithm>
 #include <cctype>
@@ -14,11 +13,6 @@
 using nlohmann::ordered_json;
 
 namespace {
-
-std::string nowText()
-{
-    return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs).toStdString();
-}
 
 /// A short file-name-safe form of a title: "Cliffs at Dawn!" gives "cliffs-at-dawn".
 std::string slugOf(const std::string &title)
@@ -59,9 +53,7 @@ std::optional<std::pair<ordered_json, ordered_json>> storyBody(const httplib::Re
     return std::pair(std::move(*body), std::move(items));
 }
 
-struct Story {
-    std::string id, title, notes, items, created, updated;
-};
+using Story = ProjectRow;
 
 std::optional<Story> load(Database &db, const std::string &id)
 {
@@ -85,22 +77,14 @@ std::optional<Story> found(Database &db, const httplib::Request &req, httplib::R
     return story;
 }
 
-ordered_json projectJson(const Story &story)
-{
-    return {{"id", story.id},
-            {"title", story.title},
-            {"notes", story.notes},
-            {"items", ordered_json::parse(story.items, nullptr, false)}};
-}
-
 ordered_json summaryJson(const Story &story)
 {
     const auto items = ordered_json::parse(story.items, nullptr, false);
     ordered_json out{{"id", story.id},
                      {"title", story.title},
                      {"count", items.is_array() ? items.size() : 0},
-                     {"created", story.created},
-                     {"updated", story.updated}};
+                     {"created", ProjectTable::timeText(story.created)},
+                     {"updated", ProjectTable::timeText(story.updated)}};
     if (items.is_array() && !items.empty()) {
         ordered_json cover = ordered_json::object();
         for (const char *key : {"flightId", "clipId"}) {
@@ -156,16 +140,13 @@ void addCollection(httplib::Server &server, ServerContext &ctx)
         if (!parsed)
             return;
         const auto &[body, items] = *parsed;
-        Story story{TokenStore::randomSecret().substr(0, 12), body.value("title", std::string()),
-                    body.value("notes", std::string()), items.dump(), nowText(), nowText()};
+        Story story{ProjectTable::newId(), body.value("title", std::string()), body.value("notes", std::string()),
+                    items.dump(), ProjectTable::now(), ProjectTable::now()};
         if (story.title.empty())
             story.title = "Untitled story";
-        auto guard = ctx.db.lock();
-        if (!ctx.db.prepare("INSERT INTO projects(id, title, notes, items, created, updated) VALUES(?,?,?,?,?,?)")
-                 .bind(1, story.id).bind(2, story.title).bind(3, story.notes).bind(4, story.items)
-                 .bind(5, story.created).bind(6, story.updated).run())
+        if (!ProjectTable::insert(ctx.db, story))
             return Reply::error(res, 500, "The server can't store the story");
-        Reply::json(res, projectJson(story));
+        Reply::json(res, ProjectTable::projectJson(story));
     });
 }
 
@@ -173,7 +154,7 @@ void addItem(httplib::Server &server, ServerContext &ctx)
 {
     server.Get("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
         if (const auto story = found(ctx.db, req, res))
-            Reply::json(res, projectJson(*story));
+            Reply::json(res, ProjectTable::projectJson(*story));
     });
 
     server.Post("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
@@ -201,7 +182,7 @@ void addItem(httplib::Server &server, ServerContext &ctx)
         if (body.contains("items"))
             story->items = items.dump();
         ctx.db.prepare("UPDATE projects SET title=?, notes=?, items=?, updated=? WHERE id=?")
-            .bind(1, story->title).bind(2, story->notes).bind(3, story->items).bind(4, nowText()).bind(5, story->id)
+            .bind(1, story->title).bind(2, story->notes).bind(3, story->items).bind(4, ProjectTable::now()).bind(5, story->id)
             .run();
         Reply::json(res, {{"saved", story->id}});
     });

@@ -68,7 +68,8 @@ void addUpload(httplib::Server &server, ServerContext &ctx)
         const auto outcome = ctx.staging.commit(*id);
         if (!outcome.ok())
             return Reply::error(res, outcome.status, outcome.detail);
-        Reply::json(res, {{"analysis", "client-provided"}});
+        const auto analysed = ctx.analyst.analyse(*id);
+        Reply::json(res, {{"analysis", analysed.text()}});
     });
 
     server.Delete("/api/flights/([^/]+)/staging", [&ctx](const httplib::Request &req, httplib::Response &res) {
