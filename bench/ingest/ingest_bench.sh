@@ -16,7 +16,15 @@ server="$build/src/server/aeroloom-server"
 fixture="$build/tests/fixtures/aeroloom-fixture"
 exiftool="$here/third_party/exiftool"
 work=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$work"' EXIT
+# Every server started here is stopped on the way out, whether the run ends well or not. They
+# are remembered by id: one started inside $( ) would not be among this shell's jobs.
+server_pids=()
+stop_servers() {
+  for pid in "${server_pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+  for pid in "${server_pids[@]}"; do wait "$pid" 2>/dev/null || true; done
+  server_pids=()
+}
+trap 'stop_servers; rm -rf "$work"' EXIT
 now() { date +%s.%N; }
 
 echo "Making the card: 8 flights of ${seconds} s..."
@@ -29,18 +37,19 @@ for i in 1 2 3 4; do
   "$fixture" srt "$media/DJI_2024010204040${i}_001${i}_D.SRT" --samples "$samples" >/dev/null
 done
 
-start_server() {  # $1 library folder; prints the base URL
+start_server() {  # $1 library folder; sets $base to the server's address
   "$server" --library "$1" --listen 127.0.0.1:0 --no-samples >"$1.out" 2>"$1.log" &
+  server_pids+=("$!")
   for _ in $(seq 1 200); do
     base=$(grep -o 'http://127\.0\.0\.1:[0-9]*' "$1.out" || true)
-    [ -n "$base" ] && { echo "$base"; return; }
+    [ -n "$base" ] && return
     sleep 0.05
   done
   echo "server did not start" >&2; exit 1
 }
 
 # 1. The program: aeroloom-cli ingest, processing and upload overlapped.
-base=$(start_server "$work/lib1")
+start_server "$work/lib1"
 t0=$(now)
 "$cli" ingest "$work/card" --server "$base" --no-geocode --work "$work/app" >/dev/null 2>"$work/ingest.err" || { cat "$work/ingest.err"; exit 1; }
 t_ingest=$(echo "$(now) - $t0" | bc)
@@ -70,7 +79,8 @@ printf '%s\n' $clips | xargs -P 2 -I{} bash -c 'process_one "$1" "$work/direct/$
 t_tools=$(echo "$(now) - $t0" | bc)
 
 # 3. The upload alone: the same folders PUT and committed with curl, one flight at a time.
-base2=$(start_server "$work/lib2")
+start_server "$work/lib2"
+base2=$base
 t0=$(now)
 for dir in "$work"/direct/*; do
   id=$(basename "$dir" | tr '.' '_')
@@ -94,7 +104,8 @@ pending="$work/big/Pending/20240102_050000_0099"
 mkdir -p "$pending" "$work/empty"
 cp "$work/app-flight.json" "$pending/flight.json"
 head -c "$proxy_bytes" /dev/urandom >"$pending/proxy.mp4"
-base3=$(start_server "$work/lib3")
+start_server "$work/lib3"
+base3=$base
 /usr/bin/time -v "$cli" ingest "$work/empty" --server "$base3" --no-geocode --work "$work/big" >/dev/null 2>"$work/big.time" || true
 rss=$(grep 'Maximum resident set size' "$work/big.time" | awk '{print $6}')
 baseline_rss=$( { /usr/bin/time -v "$cli" scan "$work/empty" >/dev/null; } 2>&1 | grep 'Maximum resident set size' | awk '{print $6}')

@@ -8,25 +8,34 @@ build=${1:-build}
 size=${2:-2000000000}
 server="$build/src/server/aeroloom-server"
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+# The server runs under time(1); stopping it means signalling time's child, the server itself.
+# This happens on the way out too, so a failed request leaves no server behind.
+time_pid=""
+stop_server() {
+  [ -n "$time_pid" ] || return 0
+  pkill -TERM -P "$time_pid" 2>/dev/null || true
+  wait "$time_pid" 2>/dev/null || true
+  time_pid=""
+}
+trap 'stop_server; rm -rf "$work"' EXIT
 
-# Runs the server under /usr/bin/time -v, does "$@" against it, stops it; prints peak RSS in kB.
+# Runs the server under /usr/bin/time -v, does "$@" against it, stops it; sets $rss to its peak
+# RSS in kB. Not run inside $( ): the server must stay this shell's to stop.
 measure() {
   local name=$1; shift
   /usr/bin/time -v -o "$work/$name.time" "$server" --library "$work/$name" --no-samples \
     --listen 127.0.0.1:0 >"$work/$name.out" 2>/dev/null &
-  local pid=$!
+  time_pid=$!
   local base=""
   for _ in $(seq 1 300); do
     base=$(grep -o 'http://127\.0\.0\.1:[0-9]*' "$work/$name.out" || true)
     [ -n "$base" ] && break
     sleep 0.1
   done
+  [ -n "$base" ] || { echo "the server did not start" >&2; exit 1; }
   "$@" "$base"
-  # time(1) passes the signal on to the server, which stops cleanly.
-  pkill -TERM -P "$pid" 2>/dev/null || true
-  wait "$pid" || true
-  grep 'Maximum resident set size' "$work/$name.time" | awk '{print $NF}'
+  stop_server
+  rss=$(grep 'Maximum resident set size' "$work/$name.time" | awk '{print $NF}')
 }
 
 small() { curl -sf -o /dev/null "$1/api/flights"; }
@@ -50,8 +59,10 @@ large() {
   echo "GET of the committed proxy ($got bytes) took $(echo "$end - $start" | bc) s" >&2
 }
 
-idle=$(measure idle small)
-busy=$(measure busy large)
+measure idle small
+idle=$rss
+measure busy large
+busy=$rss
 echo "peak RSS, idle server with one request: $((idle / 1024)) MB"
 echo "peak RSS, server taking a $((size / 1000000)) MB PUT and serving it back: $((busy / 1024)) MB"
 echo "ratio: $(echo "scale=2; $busy / $idle" | bc)"

@@ -5,7 +5,7 @@
 #include <httplib.h>
 
 namespace {
-constexpr std::chrono::hours sessionLife{12};
+constexpr auto sessionLife = Authenticator::sessionLife;
 
 std::string page(const std::string &title, const std::string &text)
 {
@@ -72,7 +72,8 @@ namespace Routes {
 
 bool isPublic(const httplib::Request &req)
 {
-    return req.path.rfind("/api/auth/device/", 0) == 0 || req.path.rfind("/auth/device/", 0) == 0 || isWebPage(req);
+    return req.path.rfind("/api/auth/device/", 0) == 0 || req.path.rfind("/auth/device/", 0) == 0
+        || req.path.rfind("/api/auth/web/", 0) == 0 || isWebPage(req) || isAccountPage(req);
 }
 
 void addAuth(httplib::Server &server, ServerContext &ctx)
@@ -91,7 +92,7 @@ void addAuth(httplib::Server &server, ServerContext &ctx)
         const auto email = ctx.auth.identify(req);
         if (ctx.config.auth != AuthMode::Token || !token || !email)
             return Reply::error(res, 404, "Web sessions are given for API tokens only");
-        const std::string session = ctx.tokens.createSession(*email, ctx.config.now() + sessionLife);
+        const std::string session = ctx.tokens.createSession(*email, ctx.config.now() + sessionLife, SessionKind::Viewer);
         Reply::json(res, {{"cookie", Authenticator::sessionCookie},
                           {"token", session},
                           {"maxAge", std::chrono::duration_cast<std::chrono::seconds>(sessionLife).count()}});

@@ -44,6 +44,16 @@ std::optional<std::string> Authenticator::bearer(const httplib::Request &request
     return header.substr(7);
 }
 
+std::optional<std::string> Authenticator::session(const httplib::Request &request)
+{
+    return cookie(request, sessionCookie);
+}
+
+std::optional<std::string> Authenticator::accountSession(const httplib::Request &request)
+{
+    return cookie(request, accountCookie);
+}
+
 std::optional<std::string> Authenticator::basic(const std::string &header) const
 {
     if (header.rfind("Basic ", 0) != 0)
@@ -72,10 +82,14 @@ std::optional<std::string> Authenticator::identify(const httplib::Request &reque
     case AuthMode::Token:
         if (const auto token = bearer(request))
             return m_tokens.lookup(*token);
-        if (!WebSessionScope::covers(request))
-            return std::nullopt;
-        if (const auto session = cookie(request, sessionCookie))
-            return m_tokens.lookupSession(*session, m_config.now());
+        // The app's web view holds a viewer cookie that opens the 3D page and its files only;
+        // the account page's own cookie is a whole sign-in of a browser.
+        if (WebSessionScope::covers(request))
+            if (const auto viewer = session(request))
+                if (auto email = m_tokens.lookupSession(*viewer, m_config.now(), SessionKind::Viewer))
+                    return email;
+        if (const auto account = accountSession(request))
+            return m_tokens.lookupSession(*account, m_config.now(), SessionKind::Account);
         return std::nullopt;
     }
     return std::nullopt;

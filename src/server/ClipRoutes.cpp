@@ -1,5 +1,6 @@
 #include "LibraryFiles.h"
 #include "Names.h"
+#include "RecordCheck.h"
 #include "Reply.h"
 #include "Routes.h"
 #include "ServerContext.h"
@@ -65,16 +66,9 @@ std::optional<ordered_json> merged(const std::string &id, ordered_json body, con
     }
     if (!body.contains("clips"))
         body["clips"] = ordered_json::array();
-    if (!body["clips"].is_array()) {
-        why = "\"clips\" must be a list";
+    why = RecordCheck::clips(body);
+    if (!why.empty())
         return std::nullopt;
-    }
-    for (const auto &clip : body["clips"]) {
-        if (!clip.is_object()) {
-            why = "every clip must be an object";
-            return std::nullopt;
-        }
-    }
     return body;
 }
 } // namespace

@@ -131,6 +131,11 @@ bool Database::exec(const char *sql)
     return sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
+int Database::changes() const
+{
+    return sqlite3_changes(m_db);
+}
+
 std::optional<std::string> Database::setting(const std::string &key)
 {
     auto guard = lock();

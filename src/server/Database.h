@@ -52,6 +52,8 @@ public:
     [[nodiscard]] std::unique_lock<std::recursive_mutex> lock() { return std::unique_lock(m_mutex); }
     [[nodiscard]] Statement prepare(std::string_view sql) { return Statement(m_db, sql); }
     bool exec(const char *sql);
+    /// Rows changed by the last statement that changed any (under the same lock).
+    [[nodiscard]] int changes() const;
 
     [[nodiscard]] std::optional<std::string> setting(const std::string &key);
     void setSetting(const std::string &key, const std::string &value);

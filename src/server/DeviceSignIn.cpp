@@ -51,24 +51,31 @@ DeviceSignIn::Approval DeviceSignIn::approve(const std::string &code)
     return Approval::Approved;
 }
 
-DeviceSignIn::Poll DeviceSignIn::poll(const std::string &secret)
+DeviceSignIn::Claim DeviceSignIn::claim(const std::string &secret)
 {
-    std::unique_lock guard(m_mutex);
+    std::lock_guard guard(m_mutex);
     const auto it = m_attempts.find(secret);
     if (it == m_attempts.end())
-        return {"expired", std::nullopt};
+        return {"expired", std::nullopt, {}};
     if (expired(it->second)) {
         m_codes.erase(it->second.code);
         m_attempts.erase(it);
-        return {"expired", std::nullopt};
+        return {"expired", std::nullopt, {}};
     }
     if (!it->second.approved)
-        return {"pending", std::nullopt};
-    const Attempt attempt = it->second;
-    m_codes.erase(attempt.code);
+        return {"pending", std::nullopt, {}};
+    Claim out{"ok", it->second.email, it->second.device};
+    m_codes.erase(it->second.code);
     m_attempts.erase(it);
-    guard.unlock();
-    return {"ok", m_tokens.create(attempt.email, attempt.device)};
+    return out;
+}
+
+DeviceSignIn::Poll DeviceSignIn::poll(const std::string &secret)
+{
+    const Claim claimed = claim(secret);
+    if (!claimed.email)
+        return {claimed.status, std::nullopt};
+    return {"ok", m_tokens.create(*claimed.email, claimed.device)};
 }
 
 fs::path DeviceSignIn::writeMail(const std::string &email, const std::string &device, const std::string &link)

@@ -29,6 +29,11 @@ public:
         std::string status;  ///< "pending", "ok" or "expired"
         std::optional<std::string> token;
     };
+    struct Claim {
+        std::string status;  ///< as for `Poll`
+        std::optional<std::string> email;  ///< once approved
+        std::string device;
+    };
 
     DeviceSignIn(const ServerConfig &config, const Library &library, TokenStore &tokens)
         : m_config(config), m_library(library), m_tokens(tokens)
@@ -38,7 +43,11 @@ public:
     /// Starts an attempt; `base` is the server's own address as the device reached it.
     Requested request(const std::string &email, const std::string &deviceName, const std::string &base);
     Approval approve(const std::string &code);
+    /// The device's answer: a new API token once the link was opened.
     Poll poll(const std::string &secret);
+    /// The same answer as the signed-in address instead of a token, for a caller that signs in
+    /// otherwise (a web page, with a session). Either way an approved attempt is used up.
+    Claim claim(const std::string &secret);
 
 private:
     struct Attempt {

@@ -1,6 +1,7 @@
 #include "LibraryServer.h"
 
 #include "Authenticator.h"
+#include "ConnectionFront.h"
 #include "Database.h"
 #include "DeviceSignIn.h"
 #include "FlightAnalyst.h"
@@ -9,6 +10,7 @@
 #include "MusicMaker.h"
 #include "Proxy480Maker.h"
 #include "Reply.h"
+#include "RoutedServer.h"
 #include "Routes.h"
 #include "SampleMaker.h"
 #include "ServerContext.h"
@@ -21,7 +23,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -29,7 +30,6 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
-#include <thread>
 
 struct LibraryServer::Impl {
     ServerConfig config;
@@ -44,8 +44,9 @@ struct LibraryServer::Impl {
     std::unique_ptr<FlightAnalyst> analyst;
     std::unique_ptr<Proxy480Maker> proxies;
     std::unique_ptr<ServerContext> context;
-    httplib::Server http;
-    std::thread thread;
+    RoutedServer http;
+    std::unique_ptr<ConnectionFront> front;
+    bool installed = false;
     int port = 0;
     int lockFd = -1;  ///< held while this server owns the library
 
@@ -56,6 +57,7 @@ struct LibraryServer::Impl {
         lockFd = -1;
     }
 
+    void install();
     void routes();
     void guard();
     void refuse(httplib::Response &res) const;
@@ -95,9 +97,6 @@ void LibraryServer::Impl::refuse(httplib::Response &res) const
 
 void LibraryServer::Impl::guard()
 {
-    // Replies leave as headers then body; without this TCP holds the body back until the
-    // client's delayed acknowledgement, some 40 ms per request.
-    http.set_tcp_nodelay(true);
     http.set_pre_routing_handler([this](const httplib::Request &req, httplib::Response &res) {
         // A request with neither Content-Length nor Transfer-Encoding has no body, as HTTP says
         // and as the desktop client sends its bodiless POSTs and DELETEs; httplib would instead
@@ -155,6 +154,16 @@ void LibraryServer::Impl::guard()
     }
 }
 
+void LibraryServer::Impl::install()
+{
+    if (installed)
+        return;
+    installed = true;
+    guard();
+    routes();
+    http.setServing(true);
+}
+
 void LibraryServer::Impl::routes()
 {
     Routes::addAuth(http, *context);
@@ -167,6 +176,7 @@ void LibraryServer::Impl::routes()
     Routes::addSamples(http, *context);
     Routes::addMusic(http, *context);
     Routes::addTheater(http, *context);
+    Routes::addAccount(http, *context);
 }
 
 LibraryServer::LibraryServer(ServerConfig config) : d(std::make_unique<Impl>())
@@ -233,23 +243,18 @@ Result<int> LibraryServer::start()
         if (auto opened = open(); !opened)
             return opened.failure();
     }
-    d->guard();
-    d->routes();
-    // httplib's default also sets SO_REUSEPORT, which would let a second server share a port
-    // that is already taken; only SO_REUSEADDR is wanted (a quick restart after a stop).
-    d->http.set_socket_options([](socket_t sock) {
-        int yes = 1;
-        ::setsockopt(sock, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    });
+    d->install();
     // Uploads over a slow link may pause; a minute of silence is the sign of a client gone.
-    d->http.set_read_timeout(std::chrono::seconds(60));
-    d->http.set_write_timeout(std::chrono::seconds(60));
+    ConnectionFront::Limits limits;
+    limits.readTimeout = limits.writeTimeout = std::chrono::seconds(60);
+    limits.headDeadline = d->config.headDeadline;
+    d->http.set_keep_alive_timeout(std::chrono::duration_cast<std::chrono::seconds>(limits.idle).count());
+    d->http.set_keep_alive_max_count(limits.maxRequests);
+    d->front = std::make_unique<ConnectionFront>(
+        [this](httplib::Stream &stream) { return d->http.serveOne(stream); }, limits);
+    d->http.setServing(true);
     errno = 0;
-    if (d->config.port == 0) {
-        d->port = d->http.bind_to_any_port(d->config.host);
-    } else {
-        d->port = d->http.bind_to_port(d->config.host, d->config.port) ? d->config.port : -1;
-    }
+    d->port = d->front->listen(d->config.host, d->config.port);
     if (d->port <= 0) {
         const int error = errno;
         const QString where = QStringLiteral("%1:%2").arg(QString::fromStdString(d->config.host)).arg(d->config.port);
@@ -260,12 +265,8 @@ Result<int> LibraryServer::start()
                        QStringLiteral("The server can't listen on %1: %2.")
                            .arg(where, QString::fromUtf8(error ? std::strerror(error) : "the address is not usable"))};
     }
-    d->thread = std::thread([this] { d->http.listen_after_bind(); });
     if (d->config.lightProxies)
         d->proxies->start();
-    // A stop() before the loop runs would be lost, so start() returns only once it serves.
-    while (!d->http.is_running())
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     // Flights not yet analysed by this version are done behind the server's back, not before it.
     d->analyst->startSweep();
     return d->port;
@@ -275,13 +276,22 @@ void LibraryServer::stop()
 {
     if (d->analyst)
         d->analyst->stop();
-    if (d->thread.joinable()) {
-        d->http.stop();
-        d->thread.join();
+    if (d->front) {
+        d->http.setServing(false);
+        d->front->stop();
+        d->front.reset();
     }
     if (d->proxies)
         d->proxies->stop();
     d->unlock();
+}
+
+bool LibraryServer::serve(httplib::Stream &stream)
+{
+    if (!d->context && !open())
+        return false;
+    d->install();
+    return d->http.serveOne(stream);
 }
 
 int LibraryServer::port() const
@@ -304,9 +314,17 @@ std::string LibraryServer::createToken(const std::string &email)
     return d->tokens->create(email, "command line");
 }
 
-Result<std::string> LibraryServer::createToken(const std::filesystem::path &library, const std::string &email)
+Result<std::string> LibraryServer::createToken(const ServerConfig &config, const std::string &email)
 {
-    auto opened = Library::open(library);
+    // A library that doesn't exist yet is made as serving it would make it, samples and all, so
+    // both ways of starting a library give the same library. If a server is starting on it at
+    // this moment, that server makes it, and the token only needs the database.
+    if (!std::filesystem::exists(config.library / "library.db")) {
+        LibraryServer maker(config);
+        if (maker.open())
+            return maker.createToken(email);
+    }
+    auto opened = Library::open(config.library);
     if (!opened)
         return opened.failure();
     auto db = Database::open(opened->database());

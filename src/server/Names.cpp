@@ -72,6 +72,16 @@ std::string contentType(std::string_view name)
         return "audio/mp4";
     if (ends(".mp3"))
         return "audio/mpeg";
+    if (ends(".html"))
+        return "text/html; charset=utf-8";
+    if (ends(".js") || ends(".mjs"))
+        return "text/javascript; charset=utf-8";
+    if (ends(".css"))
+        return "text/css; charset=utf-8";
+    if (ends(".svg"))
+        return "image/svg+xml";
+    if (ends(".png"))
+        return "image/png";
     return "application/octet-stream";
 }
 

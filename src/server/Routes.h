@@ -31,12 +31,16 @@ void addSamples(httplib::Server &server, ServerContext &ctx);
 void addMusic(httplib::Server &server, ServerContext &ctx);
 /// theater.html, the 3D page of a flight, and web/<file>, the scripts and styles of the pages.
 void addTheater(httplib::Server &server, ServerContext &ctx);
+/// settings.html, the account page, with its API tokens and its sign-in; and the page files.
+void addAccount(httplib::Server &server, ServerContext &ctx);
 
 /// Streams a file, honouring one byte range (206) and refusing one past the end (416).
 void serveFile(const httplib::Request &req, httplib::Response &res, const std::filesystem::path &file);
 /// Paths that answer without credentials: the sign-in of a device and its link, and the web
 /// pages (which ask a visitor without a session to sign in themselves).
 [[nodiscard]] bool isPublic(const httplib::Request &req);
-/// The library's web pages and their scripts.
+/// The 3D page and its scripts.
 [[nodiscard]] bool isWebPage(const httplib::Request &req);
+/// The account page and its files, which hold no data and sign the visitor in.
+[[nodiscard]] bool isAccountPage(const httplib::Request &req);
 }

@@ -23,6 +23,7 @@ struct ServerConfig {
     bool samples = true;                  ///< a new library gets sample flights
     int sampleSeconds = 20;               ///< length of each sample flight
     std::chrono::seconds deviceExpiry{15 * 60};  ///< life of a device sign-in attempt
+    std::chrono::milliseconds headDeadline{10000};  ///< from a request's first byte to its whole head
     Clock clock;                          ///< empty: the system clock (tests move time by hand)
     bool log = true;                      ///< one line per request on stderr
     bool lightProxies = true;             ///< make each flight's proxy_480.mp4 in the background

@@ -1,10 +1,12 @@
 #include "ProjectTable.h"
+#include "RecordCheck.h"
 #include "Reply.h"
 #include "Routes.h"
 #include "ServerContext.h"
 
 #include <httplib.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 
@@ -29,27 +31,24 @@ std::string slugOf(const std::string &title)
     return slug;
 }
 
-/// The body of a create or save, with its items as the client decodes them: objects with
-/// numeric "in" and "out" and a "label" (keys the server doesn't know are kept). Answers 400 and
-/// gives nothing when the body won't do.
-std::optional<std::pair<ordered_json, ordered_json>> storyBody(const httplib::Request &req, httplib::Response &res)
+/// The body of a create or save, with its items as the client decodes them (keys the server
+/// doesn't know are kept). Answers 400 and gives nothing when the body won't do.
+std::optional<std::pair<ordered_json, ordered_json>> storyBody(const httplib::Request &req, httplib::Response &res,
+                                                               const std::function<bool(const std::string &)> &knownFlight)
 {
     auto body = Reply::object(req, res);
     if (!body)
         return std::nullopt;
-    ordered_json items = body->value("items", ordered_json::array());
-    if (!items.is_array()) {
-        Reply::error(res, 400, "\"items\" must be a list");
-        return std::nullopt;
-    }
-    for (auto &item : items) {
-        if (!item.is_object() || !item.contains("in") || !item["in"].is_number() || !item.contains("out")
-            || !item["out"].is_number()) {
-            Reply::error(res, 400, "every item needs the numbers \"in\" and \"out\"");
+    for (const char *key : {"title", "notes"}) {
+        if (body->contains(key) && !(*body)[key].is_string()) {
+            Reply::error(res, 400, "\"" + std::string(key) + "\" must be text");
             return std::nullopt;
         }
-        if (!item.contains("label") || !item["label"].is_string())
-            item["label"] = "";
+    }
+    ordered_json items = body->value("items", ordered_json::array());
+    if (const std::string why = RecordCheck::storyItems(items, knownFlight); !why.empty()) {
+        Reply::error(res, 400, why);
+        return std::nullopt;
     }
     return std::pair(std::move(*body), std::move(items));
 }
@@ -136,7 +135,8 @@ void addCollection(httplib::Server &server, ServerContext &ctx)
     });
 
     server.Post("/api/projects", [&ctx](const httplib::Request &req, httplib::Response &res) {
-        const auto parsed = storyBody(req, res);
+        const auto parsed =
+            storyBody(req, res, [&ctx](const std::string &flightId) { return ctx.flights.exists(flightId); });
         if (!parsed)
             return;
         const auto &[body, items] = *parsed;
@@ -158,14 +158,23 @@ void addItem(httplib::Server &server, ServerContext &ctx)
     });
 
     server.Post("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
-        const auto parsed = storyBody(req, res);
-        if (!parsed)
-            return;
-        const auto &[body, items] = *parsed;
         auto guard = ctx.db.lock();
         auto story = found(ctx.db, req, res);
         if (!story)
             return;
+        // A flight deleted since it went into the story may stay in it; new items need a flight.
+        const auto stored = ordered_json::parse(story->items, nullptr, false);
+        const auto inStory = [&stored](const std::string &flightId) {
+            return stored.is_array() && std::any_of(stored.begin(), stored.end(), [&](const ordered_json &item) {
+                       return item.is_object() && item.value("flightId", ordered_json()) == flightId;
+                   });
+        };
+        const auto parsed = storyBody(req, res, [&](const std::string &flightId) {
+            return ctx.flights.exists(flightId) || inStory(flightId);
+        });
+        if (!parsed)
+            return;
+        const auto &[body, items] = *parsed;
         if (body.contains("title") && body["title"].is_string())
             story->title = body["title"];
         if (body.contains("notes") && body["notes"].is_string())

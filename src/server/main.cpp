@@ -31,7 +31,7 @@ int main(int argc, char **argv)
 
     const ServerConfig &config = parsed->config;
     if (parsed->command == CommandLine::Command::CreateToken) {
-        const auto token = LibraryServer::createToken(config.library, parsed->email);
+        const auto token = LibraryServer::createToken(config, parsed->email);
         if (!token) {
             std::fprintf(stderr, "aeroloom-server: %s\n", qPrintable(token.errorText()));
             return 1;

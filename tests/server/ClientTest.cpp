@@ -86,3 +86,49 @@ TEST(WithTheClient, AStrangerIsToldToSignInCallAfterCall)
         EXPECT_TRUE(APIError::isUnauthorized(me.failure())) << me.errorText().toStdString();
     }
 }
+
+TEST(WithTheClient, EveryClipAndStoryEditOfTheAppIsStoredAndReadsBack)
+{
+    TestServer server;
+    auto raw = server.client();
+    ASSERT_EQ(uploadFlight(*raw, flightId.toStdString(), makeFlightFolder(server.sandbox() / "flight", 2.0))->status, 200);
+    APIClient client(QString::fromStdString(server.base()), QString());
+
+    // The player's own list: a clip of the pilot's and a suggestion with its reason.
+    const QList<Clip> clips = {{QStringLiteral("c1_250"), 0.25, 1.5, QStringLiteral("Lift-off"), std::nullopt, std::nullopt},
+                               {QStringLiteral("s1"), 1.0, 1.75, QString(), true, QStringLiteral("Climb")}};
+    const auto saved = run(client.saveClips(flightId, clips));
+    ASSERT_TRUE(saved.ok()) << saved.errorText().toStdString();
+    EXPECT_EQ(run(client.fetchClips(flightId)).value(), clips);
+
+    // The clips browser's edits of the raw clips.json, each written back whole.
+    const auto pool = run(client.fetchPoolClips());
+    ASSERT_TRUE(pool.ok());
+    ASSERT_EQ(pool->size(), 2);
+    EXPECT_TRUE(run(client.retrimClip(pool->at(0), 0.5, 1.25)));
+    EXPECT_TRUE(run(client.keepClip(pool->at(1))));
+    EXPECT_TRUE(run(client.tossClip(pool->at(1))));
+    const auto after = run(client.fetchClips(flightId));
+    ASSERT_TRUE(after.ok());
+    ASSERT_EQ(after->size(), 1);
+    EXPECT_EQ(after->at(0).start, 0.5);
+
+    // Stories: made empty, made from picks, saved without notes, and saved again after one of
+    // their flights is gone.
+    ASSERT_TRUE(run(client.createProject(QStringLiteral("Empty"))).ok());
+    ReelItem item;
+    item.flightId = flightId;
+    item.clipId = QStringLiteral("c1_250");
+    item.start = 0.5;
+    item.end = 1.25;
+    item.label = QStringLiteral("Lift-off");
+    auto project = run(client.createProject(QStringLiteral("Coast"), {item}));
+    ASSERT_TRUE(project.ok()) << project.errorText().toStdString();
+    Project edited = *project;
+    edited.items.append(edited.items.first());
+    EXPECT_TRUE(run(client.saveProject(edited)).ok());
+    ASSERT_TRUE(run(client.deleteFlight(flightId)).ok());
+    edited.title = QStringLiteral("Coast, again");
+    EXPECT_TRUE(run(client.saveProject(edited)).ok());
+    EXPECT_EQ(run(client.fetchProject(edited.id))->items.size(), 2);
+}

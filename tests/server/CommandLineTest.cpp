@@ -16,11 +16,11 @@ struct Run {
     std::string err;
 };
 
-Run runServer(const QStringList &args)
+Run runServer(const QStringList &args, int timeoutMs = 30000)
 {
     QProcess process;
     process.start(TestPaths::buildDir() + QStringLiteral("/src/server/aeroloom-server"), args);
-    process.waitForFinished(30000);
+    process.waitForFinished(timeoutMs);
     return {process.exitCode(), process.readAllStandardOutput().toStdString(), process.readAllStandardError().toStdString()};
 }
 } // namespace
@@ -97,11 +97,13 @@ TEST(Executable, AnUnwritableLibraryIsSaidPlainly)
     EXPECT_NE(usage.err.find("--library DIR is required"), std::string::npos) << usage.err;
 }
 
-TEST(Executable, TokenCreateGivesATokenTheServerTakes)
+TEST(Executable, TokenCreateMakesTheSameNewLibraryAsServingAndATokenItTakes)
 {
     QTemporaryDir dir;
     const QString library = dir.path() + QStringLiteral("/lib");
-    const auto run = runServer({QStringLiteral("--library"), library, QStringLiteral("token"), QStringLiteral("create")});
+    // Making the samples takes ffmpeg a while on a loaded machine.
+    const auto run =
+        runServer({QStringLiteral("--library"), library, QStringLiteral("token"), QStringLiteral("create")}, 180000);
     ASSERT_EQ(run.code, 0) << run.err;
     const std::string token = run.out.substr(0, run.out.find('\n'));
     EXPECT_GE(token.size(), 32u);
@@ -111,6 +113,9 @@ TEST(Executable, TokenCreateGivesATokenTheServerTakes)
         c.auth = AuthMode::Token;
     });
     auto client = server.client();
-    EXPECT_EQ(client->Get("/api/me", {{"Authorization", "Bearer " + token}})->status, 200);
+    const httplib::Headers signedIn = {{"Authorization", "Bearer " + token}};
+    EXPECT_EQ(client->Get("/api/me", signedIn)->status, 200);
     EXPECT_EQ(client->Get("/api/me")->status, 401);
+    EXPECT_EQ(jsonOf(client->Get("/api/samples", signedIn))["count"], 3);
+    EXPECT_GE(jsonOf(client->Get("/api/music", signedIn))["tracks"].size(), 3u);
 }

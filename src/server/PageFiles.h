@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace httplib {
+class Server;
+struct Response;
+}
+
+/// @brief The server's own web pages and what they load, compiled in from src/server/pages/.
+///
+/// A page is a file in pages/ listed in this folder's CMakeLists (qt_add_resources): the HTML
+/// of a page route, and scripts and styles under "/pages/<name>". Nothing comes from elsewhere,
+/// and each page is sent with a policy that lets it load only from this server. The files hold
+/// no data of the library, so they are served to anyone; what they show comes from the API.
+namespace PageFiles {
+/// The bytes of one file of pages/, or nothing when there is no such file.
+[[nodiscard]] std::optional<std::string> read(std::string_view name);
+/// Answers with one file of pages/, or 404.
+void serve(httplib::Response &res, std::string_view name);
+/// GET "/pages/<name>" for every file of pages/.
+void addRoutes(httplib::Server &server);
+/// True for the paths of page files, which answer without credentials.
+[[nodiscard]] bool isPagePath(std::string_view path);
+}
