@@ -6,6 +6,7 @@
 #include "ClipLightboxModel.h"
 #include "ClipsBrowserModel.h"
 #include "ClipsBrowserStore.h"
+#include "DesktopShare.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
 #include "GeocodeClient.h"
@@ -170,6 +171,9 @@ int main(int argc, char *argv[])
     registerStoriesTypes();
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);
+    // Made videos and their links leave for the desktop's mail, browser and file manager here.
+    DesktopShare desktop;
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Desktop", &desktop);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
