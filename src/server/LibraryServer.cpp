@@ -7,6 +7,7 @@
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
+#include "RenderQueue.h"
 #include "Reply.h"
 #include "Routes.h"
 #include "SampleMaker.h"
@@ -41,6 +42,7 @@ struct LibraryServer::Impl {
     std::unique_ptr<DeviceSignIn> device;
     std::unique_ptr<MusicMaker> music;
     std::unique_ptr<FlightAnalyst> analyst;
+    std::unique_ptr<RenderQueue> renders;
     std::unique_ptr<ServerContext> context;
     httplib::Server http;
     std::thread thread;
@@ -164,6 +166,10 @@ void LibraryServer::Impl::routes()
     Routes::addAutoreel(http, *context);
     Routes::addSamples(http, *context);
     Routes::addMusic(http, *context);
+    Routes::addRenders(http, *context);
+    Routes::addShares(http, *context);
+    Routes::addSuggest(http, *context);
+    Routes::addSharePage(http, *context);
 }
 
 LibraryServer::LibraryServer(ServerConfig config) : d(std::make_unique<Impl>())
@@ -205,8 +211,9 @@ Result<void> LibraryServer::open()
     d->music = std::make_unique<MusicMaker>(*d->library);
     d->analyst =
         std::make_unique<FlightAnalyst>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
+    d->renders = std::make_unique<RenderQueue>(d->config, *d->library, *d->db, *d->music);
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
-                                       *d->auth, *d->device, *d->music, *d->analyst});
+                                       *d->auth, *d->device, *d->music, *d->analyst, *d->renders});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
     // Without them (no ffmpeg, say) the library still serves: that is said, not fatal.
     if (fresh && d->config.samples) {
@@ -269,6 +276,8 @@ void LibraryServer::stop()
 {
     if (d->analyst)
         d->analyst->stop();
+    if (d->renders)
+        d->renders->stop();
     if (d->thread.joinable()) {
         d->http.stop();
         d->thread.join();

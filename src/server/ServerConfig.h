@@ -25,6 +25,7 @@ struct ServerConfig {
     std::chrono::seconds deviceExpiry{15 * 60};  ///< life of a device sign-in attempt
     Clock clock;                          ///< empty: the system clock (tests move time by hand)
     bool log = true;                      ///< one line per request on stderr
+    bool suggestions = true;              ///< proposes share page words; api/me says "ai"
 
     [[nodiscard]] std::chrono::system_clock::time_point now() const
     {

@@ -7,6 +7,7 @@
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
+#include "RenderQueue.h"
 #include "ServerConfig.h"
 #include "StagingArea.h"
 #include "TokenStore.h"
@@ -23,4 +24,5 @@ struct ServerContext {
     DeviceSignIn &device;
     MusicMaker &music;
     FlightAnalyst &analyst;
+    RenderQueue &renders;
 };
