@@ -122,7 +122,7 @@ int main(int argc, char **argv)
     RenderJob bare(*library, music, *parsed, nlohmann::ordered_json::parse(items.dump()).dump());
     if (const auto prepared = bare.prepare(); !prepared)
         return fail(prepared.errorText().toStdString());
-    const QStringList command = RenderGraph::arguments(bare.spec());
+    const QStringList command = RenderGraph::arguments(bare.setup());
 
     // Wall time on a shared machine swings with the neighbours; processor time much less so.
     std::vector<double> ours, baseline, oursCpu, baselineCpu;
