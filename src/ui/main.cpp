@@ -3,6 +3,11 @@
 #include "AppEvents.h"
 #include "AppModel.h"
 #include "BrowseTypes.h"
+#include "ClipLightboxModel.h"
+#include "ClipsBrowserModel.h"
+#include "ClipsBrowserStore.h"
+#include "CutFlowFactory.h"
+#include "CuttingTypes.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
 #include "GeocodeClient.h"
@@ -11,12 +16,23 @@
 #include "IngestPipeline.h"
 #include "IngestQueue.h"
 #include "KeychainCredentialStore.h"
+#include "LightboxTypes.h"
 #include "MountWatcher.h"
+#include "MpvPlayer.h"
 #include "PlaybackQuality.h"
 #include "Preferences.h"
+#include "ReelsHubModel.h"
+#include "ReelsStore.h"
+#include "ReviewTypes.h"
+#include "SingleInstance.h"
+#include "StoriesTypes.h"
+#include "StoryDevHooks.h"
+#include "StoryNavigator.h"
+#include "SystemColorScheme.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
 #include "ThemeManager.h"
+#include "TrimSheetModel.h"
 #include "UiServices.h"
 #include "UnitsPref.h"
 #include "WindowShots.h"
@@ -24,13 +40,14 @@
 #include <QCommandLineParser>
 #include <QDateTime>
 #include <QGuiApplication>
-#include <QPalette>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QStandardPaths>
 
 #include <QCoroTask>
+
+#include <cstdio>
 
 int main(int argc, char *argv[])
 {
@@ -39,6 +56,8 @@ int main(int argc, char *argv[])
     QGuiApplication::setOrganizationName(QStringLiteral("Aeroloom"));
     QGuiApplication::setApplicationName(QStringLiteral("Aeroloom"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Ornivale"));
+    // Lets the desktop match the windows to the installed entry and its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("aeroloom"));
 
     QCommandLineParser parser;
     parser.addHelpOption();
@@ -53,9 +72,26 @@ int main(int argc, char *argv[])
     parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Flight files to import."), QStringLiteral("[files...]"));
     parser.process(app);
 
+    // One program per work folder: a second launch hands its files to the running one and leaves.
+    const QString workRoot = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Aeroloom");
+    const QList<QUrl> opened = FileOpenRouter::urlsOf(parser.positionalArguments());
+    SingleInstance instance(workRoot);
+    if (!instance.claim(opened)) {
+        if (instance.handedOver())
+            return 0;
+        std::fprintf(stderr, "Aeroloom is already running but did not answer. Try again in a moment.\n");
+        return 1;
+    }
+    FileOpenRouter router;
+    router.open(opened);
+    QObject::connect(&instance, &SingleInstance::launched, &router, &FileOpenRouter::open);
+
     // The offscreen platform has no GPU: draw in software so pictures come out the same everywhere.
+    // Elsewhere OpenGL, which mpv draws video with.
     if (QGuiApplication::platformName() == QLatin1String("offscreen"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    else
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
     QQuickStyle::setStyle(QStringLiteral("Basic"));
 
     Preferences prefs;
@@ -63,13 +99,14 @@ int main(int argc, char *argv[])
     KeychainCredentialStore credentials;
     AppModel appModel(prefs, credentials);
     ThemeManager themeManager(prefs);
-    themeManager.setSystemDark(QGuiApplication::palette().color(QPalette::Window).lightness() < 128);
+    SystemColorScheme systemScheme;
+    themeManager.setSystemDark(systemScheme.dark());
+    QObject::connect(&systemScheme, &SystemColorScheme::darkChanged, &themeManager,
+                     [&] { themeManager.setSystemDark(systemScheme.dark()); });
     Theme theme(themeManager);
     UnitsPref units(prefs);
     PlaybackQuality playback(prefs);
-    FileOpenRouter router;
     ImageCache images;
-    router.openArguments(parser.positionalArguments());
 
     // The session is decided before the first window shows, so no window flashes the wrong
     // screen; a keyring that doesn't answer gives up after its timeout.
@@ -77,11 +114,19 @@ int main(int argc, char *argv[])
     router.follow(&appModel);
 
     // Import: one queue for the life of the program, so closing its window never stops it.
-    GeocodeClient geocoder({});
+    // Place names only once the pilot has given OpenStreetMap a contact address (Settings, Import).
+    const QString contactKey = QStringLiteral("ingest.geocodeContact");
+    GeocodeClient::Options places;
+    places.contact = prefs.stringValue(contactKey);
+    GeocodeClient geocoder(places);
+    QObject::connect(&prefs, &Preferences::changed, &geocoder, [&](const QString &key) {
+        if (key == contactKey)
+            geocoder.setContact(prefs.stringValue(key));
+    });
     IngestQueue::Services ingest;
     ingest.client = appModel.client();
     ingest.process = IngestPipeline::asQueueStep(&geocoder);
-    ingest.workRoot = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Aeroloom");
+    ingest.workRoot = workRoot;
     ingest.geocode = [&prefs] { return prefs.boolValue(QStringLiteral("ingest.geocode")); };
     ingest.keepProcessed = [&prefs] { return prefs.boolValue(QStringLiteral("ingest.keepProcessed")); };
     IngestQueue queue(ingest);
@@ -115,12 +160,60 @@ int main(int argc, char *argv[])
     registerBrowseTypes();
     qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Gallery", &gallery);
 
+    // The clips section and its lightbox, and the trim sheet a story opens on one of its items.
+    // Each makes its player the first time it shows a video. A story made from picked clips
+    // opens in the stories section.
+    const auto makePlayer = [] { return std::make_unique<MpvPlayer>(); };
+    ClipsBrowserStore clipsStore(appModel.client());
+    ClipsBrowserModel clips(&clipsStore, &gallerySettings);
+    ClipLightboxModel lightbox(&clips, makePlayer);
+    TrimSheetModel trimSheet(appModel.client(), makePlayer);
+    const auto followPrefs = [&] {
+        lightbox.setMetric(units.metric());
+        lightbox.setHq(playback.hq());
+        trimSheet.setHq(playback.hq());
+    };
+    followPrefs();
+    QObject::connect(&units, &UnitsPref::metricChanged, &lightbox, followPrefs);
+    QObject::connect(&playback, &PlaybackQuality::hqChanged, &lightbox, followPrefs);
+    QObject::connect(&appModel, &AppModel::clientChanged, &clipsStore, [&] {
+        clipsStore.setClient(appModel.client());
+        trimSheet.setClient(appModel.client());
+    });
+    registerLightboxTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Browse", 1, 0, "Clips", &clips);
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "ClipLightbox", &lightbox);
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "TrimSheet", &trimSheet);
+
+    // The stories section, and the way to a story from wherever one is made.
+    ReelsStore reels(appModel.client());
+    reels.setPlayerFactory([] { return new MpvPlayer(); });
+    reels.setHqPlayback(playback.hq());
+    QObject::connect(&playback, &PlaybackQuality::hqChanged, &reels, [&] { reels.setHqPlayback(playback.hq()); });
+    QObject::connect(&appModel, &AppModel::clientChanged, &reels, [&] { reels.setClient(appModel.client()); });
+    StoryNavigator navigator(&reels);
+    StoryDevHooks storyHooks;
+    ReelsHubModel storiesHub(&reels, &gallerySettings, &navigator, &storyHooks);
+    QObject::connect(&gallery, &GalleryStore::storyCreated, &navigator, &StoryNavigator::openStory);
+    QObject::connect(&clips, &ClipsBrowserModel::storyCreated, &navigator, &StoryNavigator::openStory);
+    registerReviewTypes();
+    registerStoriesTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);
+
+    // The cut window makes its own model each time it opens, from the session of the moment.
+    CutFlowFactory cutFlows(appModel, prefs);
+    registerCuttingTypes(cutFlows);
+
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
                      [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);
     engine.load(QUrl(QStringLiteral("qrc:/Aeroloom/qml/Main.qml")));
     if (engine.rootObjects().isEmpty())
         return 1;
+    // A launch that found the program running brings its main window forward.
+    QObject::connect(&instance, &SingleInstance::launched, engine.rootObjects().first(),
+                     [main = engine.rootObjects().first()] { QMetaObject::invokeMethod(main, "open"); });
 
     WindowShots shots(engine);
     if (parser.isSet(screenshots))

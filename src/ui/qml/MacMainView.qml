@@ -4,10 +4,11 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import QtQuick.Shapes
 import Aeroloom.Services
+import Aeroloom.Stories
 
 Item {
     id: mainView
-    property string section: "flights"
+    readonly property string section: Navigator.section
     signal settingsRequested()
 
     RowLayout {
@@ -93,7 +94,7 @@ Item {
                                 font.weight: current ? Font.DemiBold : Font.Normal
                             }
                         }
-                        TapHandler { onTapped: mainView.section = modelData.id }
+                        TapHandler { onTapped: Navigator.section = modelData.id }
                     }
                 }
 

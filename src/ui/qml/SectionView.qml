@@ -1,16 +1,18 @@
-// One section of the main view. Its content arrives with the screens that fill it; until then
-// it shows its name.
+// One section of the main view: the flights gallery, the clips of the library, or the stories.
 import QtQuick
 import QtQuick.Layouts
 import Aeroloom.Services
 import Aeroloom.Browse
+import Aeroloom.Review
+import Aeroloom.Stories
 import "qrc:/aeroloom/browse"
+import "qrc:/aeroloom/review"
+import "qrc:/aeroloom/stories"
 
 Rectangle {
     id: sectionView
     /// "flights", "clips" or "reels".
     property string section: "flights"
-    readonly property string title: section === "clips" ? "Clips" : section === "reels" ? "Stories" : "Flights"
     color: Theme.background
 
     Loader {
@@ -22,13 +24,25 @@ Rectangle {
         }
     }
 
-    Text {
-        visible: sectionView.section !== "flights"
-        x: 32
-        y: 28
-        text: sectionView.title
-        color: Theme.text
-        font.pixelSize: 28
-        font.weight: Font.Bold
+    Loader {
+        anchors.fill: parent
+        active: sectionView.section === "clips"
+        sourceComponent: ClipsBrowserView {
+            browser: Clips
+            lightbox: ClipLightbox
+            thumbnail: Component { AuthedAsyncImage {} }
+        }
+    }
+
+    Loader {
+        anchors.fill: parent
+        active: sectionView.section === "reels"
+        sourceComponent: StoriesSection {
+            hub: Reels
+            navigator: Navigator
+            trimModel: TrimSheet
+            trimSheet: Component { TrimSheetView { model: TrimSheet } }
+            thumbnail: Component { AuthedAsyncImage {} }
+        }
     }
 }

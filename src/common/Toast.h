@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <chrono>
+
+/// @brief A short message on a screen: it stands for a while and then clears itself, but only
+/// if it still holds the same text, so a later message keeps its full time.
+///
+/// The standing time is given at construction so tests can prove the rule in milliseconds.
+class Toast : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString text READ text NOTIFY textChanged FINAL)
+public:
+    static constexpr std::chrono::milliseconds standTime{1600};
+
+    explicit Toast(std::chrono::milliseconds stand = standTime, QObject *parent = nullptr);
+
+    /// Empty while nothing is shown.
+    [[nodiscard]] QString text() const { return m_text; }
+    [[nodiscard]] std::chrono::milliseconds stand() const { return m_stand; }
+    /// Tests shorten the wait; a message already shown keeps the time it started with.
+    void setStand(std::chrono::milliseconds stand) { m_stand = stand; }
+
+public Q_SLOTS:
+    void show(const QString &text);
+
+Q_SIGNALS:
+    void textChanged();
+
+private:
+    void setText(const QString &text);
+
+    std::chrono::milliseconds m_stand;
+    QString m_text;
+};
