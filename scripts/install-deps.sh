@@ -22,7 +22,7 @@ packages=(
   libaubio-dev aubio-tools
   chromium ccache
   xvfb xauth dbus dbus-x11 gnome-keyring libsecret-tools
-  fonts-dejavu-core
+  fonts-dejavu-core shared-mime-info
   # The symbols and the full-width plus of the program's words ("✨ Auto-story", "＋ New story", ⏮ ⏭).
   fonts-symbola fonts-wqy-microhei
 )

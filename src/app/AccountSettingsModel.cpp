@@ -12,6 +12,9 @@ AccountSettingsModel::AccountSettingsModel(AppModel &app, AppEvents *events, QOb
     , m_app(app)
     , m_events(events)
 {
+    // A new client means another account or library: nothing shown so far applies to it.
+    connect(&m_app, &AppModel::clientChanged, this, &AccountSettingsModel::sessionChanged);
+    connect(&m_app, &AppModel::loggedInChanged, this, &AccountSettingsModel::sessionChanged);
 }
 
 AccountSettingsModel::~AccountSettingsModel() = default;
@@ -60,61 +63,104 @@ QString AccountSettingsModel::removeSamplesTitle() const
     return QStringLiteral("Remove %1 Sample Flights").arg(samplesCount());
 }
 
+void AccountSettingsModel::forget()
+{
+    ++m_generation;
+    m_email.reset();
+    m_library.reset();
+    m_samples.reset();
+    m_checkResult.clear();
+    m_checking = false;
+    m_samplesBusy = false;
+    Q_EMIT changed();
+}
+
+void AccountSettingsModel::sessionChanged()
+{
+    forget();
+    // A sign-in changes the client and then the state: one load after both, not one per signal.
+    if (!m_shown || m_reloadQueued)
+        return;
+    m_reloadQueued = true;
+    QMetaObject::invokeMethod(this, [this] {
+        m_reloadQueued = false;
+        if (m_shown)
+            load();
+    }, Qt::QueuedConnection);
+}
+
+void AccountSettingsModel::setShown(bool shown)
+{
+    if (shown == m_shown)
+        return;
+    m_shown = shown;
+    if (shown)
+        load();
+}
+
 void AccountSettingsModel::load()
 {
-    QCoro::connect(loadAll(), this, [] {});
+    forget();
+    if (m_app.loggedIn())
+        QCoro::connect(loadAll(m_generation), this, [] {});
 }
 
 void AccountSettingsModel::testConnection()
 {
-    if (m_checking)
+    if (m_checking || !m_app.loggedIn())
         return;
-    QCoro::connect(runTest(), this, [] {});
+    QCoro::connect(runTest(m_generation), this, [] {});
 }
 
 void AccountSettingsModel::removeSamples()
 {
-    if (!m_samplesBusy)
-        QCoro::connect(changeSamples(true), this, [] {});
+    if (!m_samplesBusy && m_app.loggedIn())
+        QCoro::connect(changeSamples(true, m_generation), this, [] {});
 }
 
 void AccountSettingsModel::restoreSamples()
 {
-    if (!m_samplesBusy)
-        QCoro::connect(changeSamples(false), this, [] {});
+    if (!m_samplesBusy && m_app.loggedIn())
+        QCoro::connect(changeSamples(false, m_generation), this, [] {});
 }
 
-QCoro::Task<void> AccountSettingsModel::loadAll()
+QCoro::Task<void> AccountSettingsModel::loadAll(int generation)
 {
     QPointer<AccountSettingsModel> self(this);
+    const auto current = [&] { return self && m_generation == generation; };
+    m_email.reset();
+    m_library.reset();
+    m_samples.reset();
+    Q_EMIT changed();
     const std::shared_ptr<APIClient> client = m_app.client();
     const auto me = co_await client->fetchMe();
-    if (!self)
+    if (!current())
         co_return;
     if (me)
         m_email = me->email;
     Q_EMIT changed();
     const auto library = co_await FlightUploader(client).library();
-    if (!self)
+    if (!current())
         co_return;
     if (library)
         m_library = *library;
     Q_EMIT changed();
     const auto samples = co_await client->fetchSamples();
-    if (!self)
+    if (!current())
         co_return;
     if (samples)
         m_samples = std::make_unique<SamplesStatus>(*samples);
     Q_EMIT changed();
 }
 
-QCoro::Task<void> AccountSettingsModel::runTest()
+QCoro::Task<void> AccountSettingsModel::runTest(int generation)
 {
     QPointer<AccountSettingsModel> self(this);
     m_checking = true;
     Q_EMIT changed();
     const auto library = co_await FlightUploader(m_app.client()).library();
-    if (!self)
+    // A session that ended meanwhile took `checking` with it; this answer is for nobody.
+    if (!self || m_generation != generation)
         co_return;
     if (library) {
         m_library = *library;
@@ -127,7 +173,7 @@ QCoro::Task<void> AccountSettingsModel::runTest()
     Q_EMIT changed();
 }
 
-QCoro::Task<void> AccountSettingsModel::changeSamples(bool remove)
+QCoro::Task<void> AccountSettingsModel::changeSamples(bool remove, int generation)
 {
     QPointer<AccountSettingsModel> self(this);
     m_samplesBusy = true;
@@ -136,11 +182,14 @@ QCoro::Task<void> AccountSettingsModel::changeSamples(bool remove)
     const auto done = remove ? co_await client->removeSamples() : co_await client->restoreSamples();
     if (!self)
         co_return;
+    // The library changed whichever session is shown now: the gallery reloads in any case.
+    if (done && m_events)
+        Q_EMIT m_events->samplesChanged();
+    if (m_generation != generation)
+        co_return;
     if (done) {
-        if (m_events)
-            Q_EMIT m_events->samplesChanged();
-        co_await loadAll();
-        if (!self)
+        co_await loadAll(generation);
+        if (!self || m_generation != generation)
             co_return;
     } else {
         m_checkResult = remove ? QStringLiteral("Couldn't remove the samples — try again")

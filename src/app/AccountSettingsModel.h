@@ -16,6 +16,10 @@ struct SamplesStatus;
 /// @brief The Account tab of the settings: who is signed in, the library's size and storage,
 /// the sample flights, and the connection test. Only the test and the sample buttons speak
 /// (through `checkResult`); the rows of a failed fetch simply stay hidden.
+///
+/// Everything shown belongs to one session: signing out or into another library forgets it at
+/// once, and replies of calls made for the old session are dropped when they arrive. Each load
+/// starts from nothing, so a step that fails shows nothing rather than what an earlier load had.
 class AccountSettingsModel : public QObject
 {
     Q_OBJECT
@@ -51,8 +55,12 @@ public:
     [[nodiscard]] bool samplesBusy() const { return m_samplesBusy; }
 
 public Q_SLOTS:
-    /// When the tab appears: account, library summary and samples, each failing in silence.
+    /// Account, library summary and samples, each failing in silence. Signed out, it only
+    /// clears the rows.
     void load();
+    /// The window came into view (it loads) or went out of it. A session that starts while it
+    /// is in view loads again.
+    void setShown(bool shown);
     void testConnection();
     void removeSamples();
     void restoreSamples();
@@ -61,9 +69,13 @@ Q_SIGNALS:
     void changed();
 
 private:
-    QCoro::Task<void> loadAll();
-    QCoro::Task<void> runTest();
-    QCoro::Task<void> changeSamples(bool remove);
+    /// Drops every value and the claim of any call still running.
+    void forget();
+    /// Another session: what was shown goes, and a window in view loads the new one's.
+    void sessionChanged();
+    QCoro::Task<void> loadAll(int generation);
+    QCoro::Task<void> runTest(int generation);
+    QCoro::Task<void> changeSamples(bool remove, int generation);
 
     AppModel &m_app;
     QPointer<AppEvents> m_events;
@@ -73,4 +85,7 @@ private:
     bool m_checking = false;
     QString m_checkResult;
     bool m_samplesBusy = false;
+    int m_generation = 0;  ///< bumped whenever what is shown is forgotten
+    bool m_shown = false;
+    bool m_reloadQueued = false;
 };

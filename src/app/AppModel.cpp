@@ -149,7 +149,7 @@ void AppModel::refreshInBackground()
 
 void AppModel::setClient(const QString &base, std::optional<QString> authHeader)
 {
-    m_client = std::make_shared<APIClient>(base, std::move(authHeader));
+    m_client = std::make_shared<APIClient>(base, std::move(authHeader), nullptr, nullptr, m_clientTimeout);
     Q_EMIT clientChanged();
 }
 

@@ -61,6 +61,10 @@ public:
     [[nodiscard]] std::optional<QString> storedBase() const;
     [[nodiscard]] std::optional<QString> storedUser() const;
 
+    /// The inactivity timeout of the clients made from now on (`APIClient::requestTimeout`
+    /// unless a test proving a stalled server shortens it).
+    void setClientTimeout(std::chrono::milliseconds timeout) { m_clientTimeout = timeout; }
+
     /// Network access for calls made without a client (the device sign-in).
     [[nodiscard]] QNetworkAccessManager *sharedNetwork() const { return m_sharedNetwork.get(); }
 
@@ -100,6 +104,7 @@ private:
     QProcessEnvironment m_env;
     std::unique_ptr<QNetworkAccessManager> m_sharedNetwork;
     std::shared_ptr<APIClient> m_client;
+    std::chrono::milliseconds m_clientTimeout = APIClient::requestTimeout;
     bool m_loggedIn = false;
     std::optional<QString> m_plan;
     std::optional<QString> m_email;

@@ -15,6 +15,11 @@ void FileOpenRouter::open(const QList<QUrl> &urls)
 
 void FileOpenRouter::openArguments(const QStringList &arguments)
 {
+    open(urlsOf(arguments));
+}
+
+QList<QUrl> FileOpenRouter::urlsOf(const QStringList &arguments)
+{
     QList<QUrl> urls;
     for (const QString &arg : arguments) {
         if (arg.isEmpty() || arg.startsWith(QLatin1Char('-')))
@@ -22,7 +27,7 @@ void FileOpenRouter::openArguments(const QStringList &arguments)
         const QUrl url(arg);
         urls.append(url.isLocalFile() ? url : QUrl::fromLocalFile(QDir::current().absoluteFilePath(arg)));
     }
-    open(urls);
+    return urls;
 }
 
 QList<QUrl> FileOpenRouter::take()

@@ -24,6 +24,8 @@ public:
     void open(const QList<QUrl> &urls);
     /// Files named on a command line; arguments that look like options are left alone.
     void openArguments(const QStringList &arguments);
+    /// The files a command line names, as URLs; relative paths are taken from the current folder.
+    [[nodiscard]] static QList<QUrl> urlsOf(const QStringList &arguments);
     /// Takes every waiting URL, leaving the list empty.
     [[nodiscard]] Q_INVOKABLE QList<QUrl> take();
 

@@ -1,5 +1,6 @@
 #include "StorageSettingsModel.h"
 
+#include "FolderBookmarks.h"
 #include "Preferences.h"
 
 #include <QDir>
@@ -9,7 +10,6 @@
 
 namespace {
 const QString outputKey = QStringLiteral("cut.outputRoot");
-const QString outputPathKey = QStringLiteral("cut.outputRoot.path");
 } // namespace
 
 StorageSettingsModel::StorageSettingsModel(Preferences &prefs, QString pendingDir, QObject *parent)
@@ -52,8 +52,8 @@ void StorageSettingsModel::clearPending()
 
 QString StorageSettingsModel::outputName() const
 {
-    const QString path = m_prefs.stringValue(outputPathKey);
-    return path.isEmpty() ? QStringLiteral("~/Videos/Aeroloom") : QFileInfo(path).fileName();
+    const auto path = FolderBookmarks::load(m_prefs, outputKey);
+    return path ? QFileInfo(*path).fileName() : QStringLiteral("~/Videos/Aeroloom");
 }
 
 void StorageSettingsModel::setOutputFolder(const QUrl &folder)
@@ -61,8 +61,7 @@ void StorageSettingsModel::setOutputFolder(const QUrl &folder)
     const QString path = folder.toLocalFile();
     if (path.isEmpty())
         return;
-    // Plain paths stand in for security-scoped bookmarks on this platform; both keys hold it.
-    m_prefs.setValue(outputKey, path);
-    m_prefs.setValue(outputPathKey, path);
+    // The cut window reads the same bookmark.
+    FolderBookmarks::save(m_prefs, path, outputKey);
     Q_EMIT outputChanged();
 }

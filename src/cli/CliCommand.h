@@ -25,6 +25,7 @@ CliCommand probeCommand();
 CliCommand telemetryCommand();
 CliCommand scanCommand();
 CliCommand ingestCommand();
+CliCommand cutCommand();
 
 /// Output of the subcommands: bytes exactly as given on standard output, words on standard error.
 namespace CliIO {

@@ -4,7 +4,7 @@
 
 QList<CliCommand> cliCommands()
 {
-    return {idCommand(), probeCommand(), telemetryCommand(), scanCommand(), ingestCommand()};
+    return {idCommand(), probeCommand(), telemetryCommand(), scanCommand(), ingestCommand(), cutCommand()};
 }
 
 namespace CliIO {

@@ -1,4 +1,5 @@
 #include "CliCommand.h"
+#include "ServerArguments.h"
 
 #include <APIClient.h>
 #include <CardScanner.h>
@@ -20,27 +21,24 @@ struct Options {
     bool geocode = true;
     bool keep = false;
     QString nominatim;
+    QString contact;
     QString work = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Aeroloom");
     QStringList sources;
 };
 
 std::optional<QString> parse(QStringList args, Options &o)
 {
-    QString user, password, token;
+    const ServerArguments server = ServerArguments::take(args);
+    o.server = server.server;
+    o.authHeader = server.authHeader;
     while (!args.isEmpty()) {
         const QString arg = args.takeFirst();
         auto value = [&]() -> std::optional<QString> { return args.isEmpty() ? std::nullopt : std::optional(args.takeFirst()); };
         std::optional<QString> v;
-        if (arg == QLatin1String("--server") && (v = value()))
-            o.server = *v;
-        else if (arg == QLatin1String("--token") && (v = value()))
-            token = *v;
-        else if (arg == QLatin1String("--user") && (v = value()))
-            user = *v;
-        else if (arg == QLatin1String("--password") && (v = value()))
-            password = *v;
-        else if (arg == QLatin1String("--nominatim") && (v = value()))
+        if (arg == QLatin1String("--nominatim") && (v = value()))
             o.nominatim = *v;
+        else if (arg == QLatin1String("--contact") && (v = value()))
+            o.contact = *v;
         else if (arg == QLatin1String("--work") && (v = value()))
             o.work = *v;
         else if (arg == QLatin1String("--no-geocode"))
@@ -56,10 +54,6 @@ std::optional<QString> parse(QStringList args, Options &o)
         return QStringLiteral("aeroloom-cli ingest: --server URL is needed");
     if (o.sources.isEmpty())
         return QStringLiteral("aeroloom-cli ingest: name a card folder or files");
-    if (!token.isEmpty())
-        o.authHeader = QStringLiteral("Bearer ") + token;
-    else if (!user.isEmpty())
-        o.authHeader = QStringLiteral("Basic ") + (user + QLatin1Char(':') + password).toUtf8().toBase64();
     return std::nullopt;
 }
 
@@ -72,6 +66,7 @@ QCoro::Task<int> runIngest(QStringList args)
     GeocodeClient::Options geoOptions;
     if (!o.nominatim.isEmpty())
         geoOptions.server = QUrl(o.nominatim);
+    geoOptions.contact = o.contact;
     GeocodeClient geocoder(geoOptions);
 
     IngestQueue::Services services;
@@ -132,10 +127,13 @@ CliCommand ingestCommand()
 {
     return {QStringLiteral("ingest"), QStringLiteral("process flights and upload them to a library"),
             QStringLiteral("usage: aeroloom-cli ingest DIR|FILE... --server URL [--token T | --user U --password P]\n"
-                           "                           [--no-geocode] [--keep] [--nominatim URL] [--work DIR]\n\n"
+                           "                           [--contact ADDRESS | --no-geocode] [--keep] [--nominatim URL]\n"
+                           "                           [--work DIR]\n\n"
                            "Runs the import queue headless: finds the flights, processes two at a time and\n"
                            "uploads one at a time, printing each change of phase as \"<id><TAB><phase>\".\n"
                            "Exits 0 only when every flight is in the library (uploaded or already there).\n\n"
+                           "  --contact ADDRESS  your e-mail address, which OpenStreetMap asks of whoever looks\n"
+                           "                   up places; without it no place names are looked up\n"
                            "  --no-geocode     don't look up place names\n"
                            "  --keep           keep the processed files after upload\n"
                            "  --nominatim URL  the reverse-geocoding server (default: OpenStreetMap's)\n"

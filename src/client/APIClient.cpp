@@ -7,12 +7,13 @@
 #include <QCoroNetworkReply>
 
 APIClient::APIClient(const QString &base, std::optional<QString> authHeader, QObject *parent,
-                     std::shared_ptr<QNetworkAccessManager> network)
+                     std::shared_ptr<QNetworkAccessManager> network, std::chrono::milliseconds timeout)
     : QObject(parent)
     , m_base(base.endsWith(QLatin1Char('/')) ? base.chopped(1) : base)
     , m_authHeader(std::move(authHeader))
     , m_network(network ? std::move(network)
                         : std::shared_ptr<QNetworkAccessManager>(new QNetworkAccessManager, DeleteLater{}))
+    , m_timeout(timeout)
 {
     // Nothing is ever served from a cache: flight and clip lists change under the client.
     m_network->setCache(nullptr);
@@ -31,14 +32,13 @@ QNetworkRequest APIClient::request(const QUrl &url, std::chrono::milliseconds ti
     req.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     req.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
     req.setRawHeader("Accept-Encoding", "identity");
-    if (timeout.count() > 0)
-        req.setTransferTimeout(int(timeout.count()));
+    req.setTransferTimeout(int(timeout.count() > 0 ? timeout.count() : m_timeout.count()));
     return req;
 }
 
 QNetworkRequest APIClient::jsonRequest(const QString &relative) const
 {
-    QNetworkRequest req = request(url(relative), requestTimeout);
+    QNetworkRequest req = request(url(relative));
     req.setHeader(QNetworkRequest::ContentTypeHeader, QByteArrayLiteral("application/json"));
     return req;
 }
@@ -73,8 +73,8 @@ QCoro::Task<> APIClient::awaitReply(QNetworkReply *reply, CancelToken *cancel)
     QMetaObject::Connection abort;
     if (cancel) {
         if (cancel->isCancelled())
-            reply->abort();
-        abort = QObject::connect(cancel, &CancelToken::cancelled, reply, &QNetworkReply::abort);
+            APIError::stop(*reply);
+        abort = QObject::connect(cancel, &CancelToken::cancelled, reply, [reply] { APIError::stop(*reply); });
     }
     if (!reply->isFinished())
         co_await qCoro(reply).waitForFinished();
@@ -109,7 +109,7 @@ QCoro::Task<Result<QByteArray>> APIClient::sendJSON(QByteArray verb, QString rel
 
 QCoro::Task<Result<QByteArray>> APIClient::sendEmpty(QByteArray verb, QString relative, CancelToken *cancel) const
 {
-    return perform(m_network, request(url(relative), requestTimeout), std::move(verb), {}, cancel);
+    return perform(m_network, request(url(relative)), std::move(verb), {}, cancel);
 }
 
 QCoro::Task<Result<Me>> APIClient::fetchMe() const

@@ -49,30 +49,36 @@ class APIClient : public QObject
     Q_OBJECT
     Q_PROPERTY(QString baseString READ baseString CONSTANT FINAL)
 public:
-    /// Calls that set a timeout use this one.
+    /// How long a request may go without any byte moving before it is given up.
     static constexpr std::chrono::seconds requestTimeout{60};
 
     /// `network` is for tests that watch the requests; by default the client makes its own.
+    /// `timeout` replaces `requestTimeout`, for tests that prove a stalled server in milliseconds.
     APIClient(const QString &base, std::optional<QString> authHeader, QObject *parent = nullptr,
-              std::shared_ptr<QNetworkAccessManager> network = {});
+              std::shared_ptr<QNetworkAccessManager> network = {},
+              std::chrono::milliseconds timeout = requestTimeout);
 
     [[nodiscard]] QString baseString() const { return m_base; }
     [[nodiscard]] const std::optional<QString> &authHeader() const { return m_authHeader; }
     [[nodiscard]] QNetworkAccessManager *network() const { return m_network.get(); }
+    /// The inactivity timeout every request of this client carries unless it names a longer one.
+    [[nodiscard]] std::chrono::milliseconds timeout() const { return m_timeout; }
 
     /// base + "/" + relative, ids inserted as they are.
     [[nodiscard]] QUrl url(const QString &relative) const;
-    /// A request with this client's headers and cache policy; `timeout` zero means none set.
+    /// A request with this client's headers and cache policy. It is given up after `timeout`
+    /// without any byte moving, zero meaning the client's own `timeout()`: no request waits for
+    /// ever on a server that accepted it and then went silent.
     [[nodiscard]] QNetworkRequest request(const QUrl &url, std::chrono::milliseconds timeout = {}) const;
 
     // ---- Request shapes every call is made of ----
 
-    /// GET of a JSON document (no timeout set beyond the network layer's own).
+    /// GET of a JSON document.
     QCoro::Task<Result<QByteArray>> getJSON(QString relative, CancelToken *cancel = nullptr) const;
-    /// POST or PATCH of a small JSON body with `Content-Type: application/json`, 60 s timeout.
+    /// POST or PATCH of a small JSON body with `Content-Type: application/json`.
     QCoro::Task<Result<QByteArray>> sendJSON(QByteArray verb, QString relative, QByteArray body,
                                              CancelToken *cancel = nullptr) const;
-    /// POST or DELETE without a body, 60 s timeout.
+    /// POST or DELETE without a body.
     QCoro::Task<Result<QByteArray>> sendEmpty(QByteArray verb, QString relative,
                                               CancelToken *cancel = nullptr) const;
 
@@ -180,7 +186,8 @@ public:
     /// fires, judges it and deletes it. The caller keeps the client alive meanwhile.
     static QCoro::Task<Result<QByteArray>> finish(QNetworkReply *reply, CancelToken *cancel);
     /// Awaits a started reply, aborting it when `cancel` fires (also when it already has);
-    /// the caller judges and deletes it.
+    /// the caller judges and deletes it. A reply stopped this way keeps the network layer's
+    /// "cancelled"; one that ran out of time reads as timed out (`APIError::transport`).
     static QCoro::Task<> awaitReply(QNetworkReply *reply, CancelToken *cancel);
 
 private:
@@ -191,7 +198,7 @@ private:
     };
     using ReplyPtr = std::unique_ptr<QNetworkReply, DeleteLater>;
 
-    /// A POST/PATCH request with a JSON body: 60 s and `Content-Type: application/json`.
+    /// A POST/PATCH request with a JSON body and `Content-Type: application/json`.
     [[nodiscard]] QNetworkRequest jsonRequest(const QString &relative) const;
     /// Sends and awaits one request; `network` rides along so the reply outlives this client.
     static QCoro::Task<Result<QByteArray>> perform(std::shared_ptr<QNetworkAccessManager> network,
@@ -203,6 +210,7 @@ private:
     QString m_base;
     std::optional<QString> m_authHeader;
     std::shared_ptr<QNetworkAccessManager> m_network;
+    std::chrono::milliseconds m_timeout;
 };
 
 /// Unwraps a status-only reply.

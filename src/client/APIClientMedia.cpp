@@ -94,7 +94,7 @@ QCoro::Task<std::optional<QNetworkCookie>> APIClient::webSessionCookie() const
     const QString base = m_base;
     const auto network = m_network;
     const ReplyPtr reply(
-        network->sendCustomRequest(request(url(QStringLiteral("api/auth/session")), requestTimeout), "POST",
+        network->sendCustomRequest(request(url(QStringLiteral("api/auth/session"))), "POST",
                                    QByteArray()));
     co_await awaitReply(reply.get(), nullptr);
     // Exactly 200: any other reply, even a success, means no cookie.

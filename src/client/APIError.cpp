@@ -21,9 +21,34 @@ Failure decoding(const QString &detail)
     return {decodeDomain, 0, QStringLiteral("The data couldn’t be read because it isn’t in the correct format.")};
 }
 
+namespace {
+// Set on a reply that was aborted for the user; any other abort came from its transfer timeout.
+constexpr const char *stoppedMark = "aeroloomStopped";
+} // namespace
+
 Failure transport(const QNetworkReply &reply)
 {
+    // The network layer ends a transfer that stood still for its whole timeout by aborting it,
+    // with the same "Operation canceled" as a stop; only the mark tells the two apart.
+    if (reply.error() == QNetworkReply::OperationCanceledError && !reply.property(stoppedMark).toBool())
+        return timedOut();
     return {networkDomain, int(reply.error()), reply.errorString()};
+}
+
+Failure timedOut()
+{
+    return {networkDomain, QNetworkReply::TimeoutError, QStringLiteral("The request timed out.")};
+}
+
+void stop(QNetworkReply &reply)
+{
+    reply.setProperty(stoppedMark, true);
+    reply.abort();
+}
+
+bool isCancelled(const Failure &f)
+{
+    return f.is(networkDomain, QNetworkReply::OperationCanceledError);
 }
 
 Failure badDownloadName(const QString &fileName)

@@ -21,8 +21,13 @@ constexpr int unauthorizedCode = 401;
 [[nodiscard]] Failure unauthorized();
 /// A body that does not decode into the expected record.
 [[nodiscard]] Failure decoding(const QString &detail = {});
-/// A transport failure, with the network layer's own words.
+/// A transport failure, with the network layer's own words; a reply given up because nothing
+/// moved for its whole timeout is `timedOut()`.
 [[nodiscard]] Failure transport(const QNetworkReply &reply);
+/// "The request timed out." A transport failure like a dropped connection, not a stop.
+[[nodiscard]] Failure timedOut();
+/// Aborts `reply` on the user's behalf, so its end reads as cancelled rather than timed out.
+void stop(QNetworkReply &reply);
 
 // Failures of a download to a local file.
 enum FileCode { badFileName = 1, cannotWrite = 2, cannotMove = 3 };
@@ -44,4 +49,6 @@ template <typename T>
 
 [[nodiscard]] inline bool isUnauthorized(const Failure &f) { return f.is(domain, unauthorizedCode); }
 [[nodiscard]] inline bool isStatus(const Failure &f, int code) { return f.is(domain, code); }
+/// The user's own stop of a transfer (see `stop`).
+[[nodiscard]] bool isCancelled(const Failure &f);
 } // namespace APIError

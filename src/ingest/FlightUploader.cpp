@@ -39,8 +39,10 @@ std::optional<int> httpStatus(const QNetworkReply &reply)
 
 bool isRetriable(const Failure &failure, const CancelToken *cancel, int attempts)
 {
+    // A transfer that timed out is a transport failure like a dropped connection; only the
+    // caller's stop is final.
     return !(cancel && cancel->isCancelled()) && failure.domain == APIError::networkDomain
-        && failure.code != QNetworkReply::OperationCanceledError && attempts < FlightUploader::maxAttempts;
+        && !APIError::isCancelled(failure) && attempts < FlightUploader::maxAttempts;
 }
 
 Failure cancelledFailure()
@@ -53,15 +55,19 @@ Failure cancelledFailure()
 const QStringList FlightUploader::fileNames = {QStringLiteral("flight.json"), QStringLiteral("thumb.jpg"),
                                                QStringLiteral("moments.json"), QStringLiteral("proxy.mp4")};
 
-FlightUploader::FlightUploader(std::shared_ptr<const APIClient> client, std::chrono::milliseconds retryUnit)
+FlightUploader::FlightUploader(std::shared_ptr<const APIClient> client, std::chrono::milliseconds retryUnit,
+                               std::chrono::milliseconds timeoutFloor)
     : m_client(std::move(client))
     , m_retryUnit(retryUnit)
+    , m_timeoutFloor(timeoutFloor)
 {
 }
 
-std::chrono::seconds FlightUploader::transferTimeout(qint64 bytes)
+std::chrono::milliseconds FlightUploader::transferTimeout(qint64 bytes, std::chrono::milliseconds floor)
 {
-    return std::chrono::seconds(std::max<qint64>(300, bytes / 100'000));
+    // 100 kB/s is the floor's 300 s for every 30 MB; a floor shortened by a test shortens both.
+    constexpr double bytesPerFloor = 30'000'000;
+    return std::max(floor, std::chrono::milliseconds(qint64(double(floor.count()) * (double(bytes) / bytesPerFloor))));
 }
 
 QCoro::Task<Result<FlightUploader::ServerLibrary>> FlightUploader::library() const
@@ -121,8 +127,7 @@ QCoro::Task<Result<void>> FlightUploader::sendFile(QString id, QString name, QSt
                                                    Progress onFile, CancelToken *cancel) const
 {
     QNetworkRequest request = m_client->request(
-        m_client->url(QStringLiteral("api/flights/%1/files/%2").arg(id, name)),
-        std::chrono::duration_cast<std::chrono::milliseconds>(transferTimeout(size)));
+        m_client->url(QStringLiteral("api/flights/%1/files/%2").arg(id, name)), transferTimeout(size, m_timeoutFloor));
     request.setHeader(QNetworkRequest::ContentTypeHeader, QByteArrayLiteral("application/octet-stream"));
     auto file = std::make_unique<QFile>(path);
     if (!file->open(QIODevice::ReadOnly))
@@ -177,6 +182,6 @@ QCoro::Task<Result<QString>> FlightUploader::commit(QString id, CancelToken *can
 QCoro::Task<void> FlightUploader::discardStaging(QString id) const
 {
     auto reply = own(m_client->network()->deleteResource(
-        m_client->request(m_client->url(QStringLiteral("api/flights/%1/staging").arg(id)), APIClient::requestTimeout)));
+        m_client->request(m_client->url(QStringLiteral("api/flights/%1/staging").arg(id)))));
     co_await APIClient::awaitReply(reply.get(), nullptr);
 }

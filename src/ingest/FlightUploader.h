@@ -17,9 +17,10 @@ class APIClient;
 /// @brief Sends a processed flight folder to the library: each file into the flight's staging
 /// area, then one commit that makes the flight exist.
 ///
-/// Files stream from disk. Transport failures of a file are retried (after 2 s, then 4 s);
-/// rejections by the server are not. A failed upload leaves only staging behind, which the
-/// caller drops with `discardStaging`.
+/// Files stream from disk. Transport failures of a file are retried (after 2 s, then 4 s), a
+/// transfer that stood still until its timeout among them; rejections by the server and the
+/// caller's own stop are not. A failed upload leaves only staging behind, which the caller
+/// drops with `discardStaging`.
 class FlightUploader
 {
 public:
@@ -38,16 +39,22 @@ public:
     /// In the order they are sent: the small description first, the heavy proxy last.
     static const QStringList fileNames;
 
+    static constexpr std::chrono::seconds transferFloor{300};
+
+    /// `retryUnit` and `timeoutFloor` are shortened by tests that prove the retry rule.
     explicit FlightUploader(std::shared_ptr<const APIClient> client,
-                            std::chrono::milliseconds retryUnit = std::chrono::seconds(2));
+                            std::chrono::milliseconds retryUnit = std::chrono::seconds(2),
+                            std::chrono::milliseconds timeoutFloor = transferFloor);
 
     QCoro::Task<Result<ServerLibrary>> library() const;
     /// Returns the commit's answer (`analysis`, or "ok").
     QCoro::Task<Result<QString>> upload(QString id, QString dir, Progress onFile, CancelToken *cancel = nullptr) const;
     QCoro::Task<void> discardStaging(QString id) const;
 
-    /// Allows about 100 kB/s with a floor of 300 s.
-    [[nodiscard]] static std::chrono::seconds transferTimeout(qint64 bytes);
+    /// How long a file's transfer may stand still: about 100 kB/s, never below `floor` (300 s);
+    /// a shorter floor shrinks the whole rule in proportion.
+    [[nodiscard]] static std::chrono::milliseconds transferTimeout(qint64 bytes,
+                                                                   std::chrono::milliseconds floor = transferFloor);
 
 private:
     QCoro::Task<Result<void>> sendFile(QString id, QString name, QString path, qint64 size, Progress onFile,
@@ -56,4 +63,5 @@ private:
 
     std::shared_ptr<const APIClient> m_client;
     std::chrono::milliseconds m_retryUnit;
+    std::chrono::milliseconds m_timeoutFloor;
 };

@@ -45,6 +45,12 @@ GeocodeClient::GeocodeClient(Options options, QObject *parent)
 {
     if (m_options.cacheFile.isEmpty())
         m_options.cacheFile = defaultCacheFile();
+    setContact(m_options.contact);
+}
+
+void GeocodeClient::setContact(const QString &contact)
+{
+    m_options.contact = contact.trimmed();
 }
 
 GeocodeClient::~GeocodeClient() = default;
@@ -126,6 +132,10 @@ QCoro::Task<std::optional<QString>> GeocodeClient::placeName(double lat, double 
     const QString key = cacheKey(lat, lon);
     if (const auto hit = m_cache.constFind(key); hit != m_cache.cend())
         co_return *hit;
+    // Without a contact there is no asking, and nothing is remembered: once an address is
+    // given, the same place is looked up.
+    if (m_options.contact.isEmpty())
+        co_return std::nullopt;
 
     QPointer<GeocodeClient> self(this);
     // One request at a time, each at least `interval` after the previous one finished.
@@ -142,6 +152,11 @@ QCoro::Task<std::optional<QString>> GeocodeClient::placeName(double lat, double 
         co_await sleepFor(std::chrono::duration_cast<std::chrono::milliseconds>(wait));
     if (!self)
         co_return std::nullopt;
+    if (m_options.contact.isEmpty()) {  // the address was taken away while this call waited
+        m_requestInFlight = false;
+        m_requestDone.notifyAll();
+        co_return std::nullopt;
+    }
     const auto name = co_await query(lat, lon);
     if (!self)
         co_return name;

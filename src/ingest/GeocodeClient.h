@@ -19,15 +19,17 @@ class QNetworkAccessManager;
 /// Reverse queries go to a Nominatim server. Positions within one cell of about a kilometre
 /// share a cache entry (misses included, so an offline run is remembered as a miss), the cache
 /// persists in geocache.json, and requests are spaced so the public server's rate rule holds
-/// even when two flights are processed at once. Made once by the composition root; it must
-/// outlive the calls it serves.
+/// even when two flights are processed at once. Nominatim's rules ask every program for a way to
+/// reach its operator: until a contact address is set, no request is sent at all and positions
+/// not in the cache simply get no name. Made once by the composition root; it must outlive the
+/// calls it serves.
 class GeocodeClient : public QObject
 {
     Q_OBJECT
 public:
     struct Options {
         QUrl server = QUrl(QStringLiteral("https://nominatim.openstreetmap.org"));
-        QString contact = QStringLiteral("pilots@aeroloom.app");
+        QString contact;  ///< the operator's address for the User-Agent; empty: no requests
         QString cacheFile;  ///< defaults to <app data>/geocache.json
         std::chrono::milliseconds interval{1100};
         std::chrono::milliseconds timeout{15000};
@@ -45,6 +47,8 @@ public:
     [[nodiscard]] static std::optional<QString> nameFromReply(const QByteArray &body);
 
     [[nodiscard]] QString userAgent() const;
+    /// A new contact address (the setting changed); surrounding spaces don't count.
+    void setContact(const QString &contact);
 
 private:
     void loadCache();

@@ -3,6 +3,7 @@
 #include "FlightFile.h"
 #include "GeocodeClient.h"
 #include "H264Encoder.h"
+#include "IngestCommands.h"
 #include "MediaProbe.h"
 #include "ProcessError.h"
 #include "ProcessRunner.h"
@@ -37,29 +38,16 @@ std::optional<Tools> findTools()
 
 QCoro::Task<Result<void>> makeProxy(const Tools &tools, const Input &in, double duration, CancelToken *cancel)
 {
-    const QString proxy = QDir(in.dir).filePath(QStringLiteral("proxy.mp4"));
-    QStringList args = {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y")};
-    if (ClipTelemetry::isVideo(in.source)) {
-        // Full-resolution video is too heavy to stream: short side 720, 4 Mbit/s, no audio.
-        const H264Encoder encoder = co_await H264Encoder::forMachine(tools.ffmpeg);
-        args << encoder.beforeInput
-             << QStringList{QStringLiteral("-i"), in.source, QStringLiteral("-map"), QStringLiteral("0:v:0"), QStringLiteral("-vf"),
-                            encoder.filter(QStringLiteral("scale=if(gt(iw\\,ih)\\,-2\\,720):if(gt(iw\\,ih)\\,720\\,-2)"))}
-             << encoder.codecOptions
-             << QStringList{QStringLiteral("-b:v"), QStringLiteral("4M"), QStringLiteral("-an"), QStringLiteral("-movflags"),
-                            QStringLiteral("+faststart")};
-    } else {
-        // The low-resolution file is already light: copied as it stands.
-        args << QStringList{QStringLiteral("-i"), in.source,        QStringLiteral("-map"), QStringLiteral("0:0"),
-                            QStringLiteral("-c:v"), QStringLiteral("copy"), QStringLiteral("-an"), QStringLiteral("-movflags"),
-                            QStringLiteral("+faststart")};
-    }
+    const bool video = ClipTelemetry::isVideo(in.source);
+    H264Encoder encoder = H264Encoder::software();  // unused by the stream copy
+    if (video)
+        encoder = co_await H264Encoder::forMachine(tools.ffmpeg);
+    const bool progress = in.onProgress && duration > 0;
+    const QStringList args = IngestCommands::proxy(in.source, video, encoder, progress,
+                                                   QDir(in.dir).filePath(QStringLiteral("proxy.mp4")));
     ProcessRunner::LineHandler onLine;
-    if (in.onProgress && duration > 0) {
-        args << QStringLiteral("-progress") << QStringLiteral("pipe:1") << QStringLiteral("-nostats");
+    if (progress)
         onLine = progressReader(duration, in.onProgress);
-    }
-    args << proxy;
     const auto result = co_await ProcessRunner::run(tools.ffmpeg, args, onLine, cancel);
     if (!result)
         co_return stepError(Step::Proxy, result.failure());
@@ -70,11 +58,9 @@ QCoro::Task<Result<void>> makeProxy(const Tools &tools, const Input &in, double 
 
 QCoro::Task<void> makeThumbnail(const Tools &tools, const QString &dir, CancelToken *cancel)
 {
-    // A proxy shorter than two seconds gives no still, and the flight simply has no thumbnail.
-    const QStringList args = {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y"), QStringLiteral("-ss"),
-                              QStringLiteral("2.0"), QStringLiteral("-i"), QDir(dir).filePath(QStringLiteral("proxy.mp4")),
-                              QStringLiteral("-frames:v"), QStringLiteral("1"), QStringLiteral("-vf"), QStringLiteral("scale=480:-1"),
-                              QDir(dir).filePath(QStringLiteral("thumb.jpg"))};
+    const QDir folder(dir);
+    const QStringList args = IngestCommands::thumbnail(folder.filePath(QStringLiteral("proxy.mp4")),
+                                                       folder.filePath(QStringLiteral("thumb.jpg")));
     (void)co_await ProcessRunner::run(tools.ffmpeg, args, {}, cancel);
 }
 

@@ -13,12 +13,11 @@ int toFrames(double seconds, int fps)
     return int(std::lround(seconds * fps));
 }
 
-/// The length that puts the cut after a clip starting at `start` on the nearest line it can
-/// reach; `length` itself when no line is within reach.
-double snapped(double start, double length, double longest, double shortest, double xfade,
+/// The length that puts the cut after a clip starting at `start` on the line nearest to
+/// `wanted` that it can reach; `length` itself when no line is within reach.
+double snapped(double start, double length, double wanted, double longest, double shortest, double xfade,
                const std::vector<double> &grid)
 {
-    const double wanted = start + length - xfade / 2;
     double best = length;
     double bestDistance = std::numeric_limits<double>::infinity();
     for (const double line : grid) {
@@ -61,14 +60,18 @@ CutPlan CutPlan::make(const std::vector<Clip> &input, double xfade, int fps, con
 
     // Lay the clips out in continuous time, then round the starts, so each cut is within a
     // frame of where it was meant to fall and the whole is within half a frame.
+    // A snapped cut aims at where the cut would be unsnapped, not where the cuts before it
+    // leave it, so the moves don't add up and the video stays about as long as the story.
     std::vector<double> starts;
     double start = 0;
+    double unsnapped = 0;
     for (std::size_t i = 0; i < clips.size(); ++i) {
         double length = clips[i].end - clips[i].start;
         const bool last = i + 1 == clips.size();
+        unsnapped += length - x;
         if (!last && !grid.empty()) {
             const double longest = length + std::max(0.0, clips[i].footageEnd - clips[i].end);
-            length = snapped(start, length, longest, std::max(shortestSnapped, 2 * x), x, grid);
+            length = snapped(start, length, unsnapped + x / 2, longest, std::max(shortestSnapped, 2 * x), x, grid);
         }
         starts.push_back(start);
         if (last) {

@@ -37,7 +37,7 @@ QString pieceChain(std::size_t i, const CutPlan::Piece &piece, int fps)
         .arg(piece.frames);
 }
 
-QString fitted(const RenderSpec::Frame &f)
+QString fitted(const RenderSetup::Frame &f)
 {
     return QStringLiteral("scale=%1:%2:force_original_aspect_ratio=decrease,pad=%1:%2:(ow-iw)/2:(oh-ih)/2,setsar=1,"
                           "format=yuv420p")
@@ -45,7 +45,7 @@ QString fitted(const RenderSpec::Frame &f)
         .arg(f.height);
 }
 
-QString filled(const RenderSpec::Frame &f)
+QString filled(const RenderSetup::Frame &f)
 {
     return QStringLiteral("scale=%1:%2:force_original_aspect_ratio=increase,crop=%1:%2,setsar=1,format=yuv420p")
         .arg(f.width)
@@ -94,7 +94,7 @@ QStringList encoded(const QString &video, const std::optional<QString> &audio, c
 }
 } // namespace
 
-void RenderSpec::frameFor(int shortSide, Frame &landscape, Frame &vertical)
+void RenderSetup::frameFor(int shortSide, Frame &landscape, Frame &vertical)
 {
     const int side = even(std::clamp(shortSide, 2, longestShortSide));
     const int longSide = even(side * 16.0 / 9.0);
@@ -112,32 +112,32 @@ QString filterPath(const std::filesystem::path &file)
                    QStringLiteral("\\'[],;"));
 }
 
-QString filter(const RenderSpec &spec)
+QString filter(const RenderSetup &setup)
 {
-    const CutPlan &plan = spec.plan;
-    const bool wide = spec.landscapeFile.has_value();
-    const bool tall = spec.verticalFile.has_value();
+    const CutPlan &plan = setup.plan;
+    const bool wide = setup.landscapeFile.has_value();
+    const bool tall = setup.verticalFile.has_value();
     QStringList parts;
     for (std::size_t i = 0; i < plan.pieces().size(); ++i) {
         QString chain = pieceChain(i, plan.pieces()[i], plan.fps());
         if (wide && tall)
             chain += QStringLiteral(",split=2[sw%1][st%1];[sw%1]%2[w%1];[st%1]%3[t%1]")
                          .arg(i)
-                         .arg(fitted(spec.landscape), filled(spec.vertical));
+                         .arg(fitted(setup.landscape), filled(setup.vertical));
         else if (wide)
-            chain += QStringLiteral(",%1[w%2]").arg(fitted(spec.landscape)).arg(i);
+            chain += QStringLiteral(",%1[w%2]").arg(fitted(setup.landscape)).arg(i);
         else
-            chain += QStringLiteral(",%1[t%2]").arg(filled(spec.vertical)).arg(i);
+            chain += QStringLiteral(",%1[t%2]").arg(filled(setup.vertical)).arg(i);
         parts << chain;
     }
     if (wide) {
-        parts << joined(plan, QStringLiteral("w"), spec.hud ? QStringLiteral("wj") : QStringLiteral("wide"));
-        if (spec.hud)
-            parts << QStringLiteral("[wj]ass=filename=%1[wide]").arg(filterPath(*spec.hud));
+        parts << joined(plan, QStringLiteral("w"), setup.hud ? QStringLiteral("wj") : QStringLiteral("wide"));
+        if (setup.hud)
+            parts << QStringLiteral("[wj]ass=filename=%1[wide]").arg(filterPath(*setup.hud));
     }
     if (tall)
         parts << joined(plan, QStringLiteral("t"), QStringLiteral("tall"));
-    if (spec.music) {
+    if (setup.music) {
         const double length = plan.seconds();
         const double fadeIn = std::min(1.0, length / 4), fadeOut = std::min(2.0, length / 4);
         QString audio = QStringLiteral("[%1:a]atrim=duration=%2,asetpts=PTS-STARTPTS,afade=t=in:d=%3,afade=t=out:st=%4:d=%5")
@@ -150,9 +150,9 @@ QString filter(const RenderSpec &spec)
     return parts.join(QLatin1Char(';'));
 }
 
-QStringList arguments(const RenderSpec &spec)
+QStringList arguments(const RenderSetup &setup)
 {
-    const CutPlan &plan = spec.plan;
+    const CutPlan &plan = setup.plan;
     QStringList args{QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-nostats"),
                      QStringLiteral("-progress"), QStringLiteral("pipe:1")};
     for (std::size_t i = 0; i < plan.pieces().size(); ++i) {
@@ -160,18 +160,18 @@ QStringList arguments(const RenderSpec &spec)
         // Reading a second past the piece leaves the trim, not the demuxer, to decide its end.
         args << QStringLiteral("-ss") << seconds(piece.start) << QStringLiteral("-t")
              << seconds(double(piece.frames) / plan.fps() + 1.0) << QStringLiteral("-i")
-             << QString::fromStdString(spec.sources.at(i).string());
+             << QString::fromStdString(setup.sources.at(i).string());
     }
-    if (spec.music)
+    if (setup.music)
         args << QStringLiteral("-stream_loop") << QStringLiteral("-1") << QStringLiteral("-i")
-             << QString::fromStdString(spec.music->string());
-    args << QStringLiteral("-filter_complex") << filter(spec);
-    if (spec.landscapeFile)
-        args << encoded(QStringLiteral("wide"), spec.music ? std::optional(QStringLiteral("awide")) : std::nullopt,
-                        *spec.landscapeFile);
-    if (spec.verticalFile)
-        args << encoded(QStringLiteral("tall"), spec.music ? std::optional(QStringLiteral("atall")) : std::nullopt,
-                        *spec.verticalFile);
+             << QString::fromStdString(setup.music->string());
+    args << QStringLiteral("-filter_complex") << filter(setup);
+    if (setup.landscapeFile)
+        args << encoded(QStringLiteral("wide"), setup.music ? std::optional(QStringLiteral("awide")) : std::nullopt,
+                        *setup.landscapeFile);
+    if (setup.verticalFile)
+        args << encoded(QStringLiteral("tall"), setup.music ? std::optional(QStringLiteral("atall")) : std::nullopt,
+                        *setup.verticalFile);
     return args;
 }
 

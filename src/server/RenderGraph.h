@@ -10,7 +10,7 @@
 #include <vector>
 
 /// @brief Everything one ffmpeg run needs to make a story's video (or both of its shapes).
-struct RenderSpec {
+struct RenderSetup {
     struct Frame {
         int width = 0;
         int height = 0;
@@ -34,8 +34,8 @@ struct RenderSpec {
 /// to the video with a fade at each end, the overlay burned in, and each shape encoded to H.264
 /// (and AAC) in one run, with its progress on standard output.
 namespace RenderGraph {
-[[nodiscard]] QString filter(const RenderSpec &spec);
-[[nodiscard]] QStringList arguments(const RenderSpec &spec);
+[[nodiscard]] QString filter(const RenderSetup &setup);
+[[nodiscard]] QStringList arguments(const RenderSetup &setup);
 /// A file name as the value of a filter's option inside a graph, escaped for both of the
 /// parsers it passes through, so that any folder name reaches the filter as it is.
 [[nodiscard]] QString filterPath(const std::filesystem::path &file);

@@ -90,36 +90,36 @@ Result<void> RenderJob::prepare()
         longest += clip.videoSeconds - clip.start;
         shortSide = std::max(shortSide, std::min(clip.width, clip.height));
     }
-    m_spec.music = chooseMusic();
-    if (m_order.wantsMusic() && m_order.track != RenderOrder::randomTrack && !m_spec.music)
+    m_setup.music = chooseMusic();
+    if (m_order.wantsMusic() && m_order.track != RenderOrder::randomTrack && !m_setup.music)
         return renderFailure(4, QStringLiteral("The music track %1 is no longer in the library.")
                                     .arg(QString::fromStdString(m_order.track)));
     std::vector<double> grid;
-    if (m_spec.music && m_order.sync != RenderOrder::Sync::Off) {
-        if (const auto beats = BeatTracker::track(*m_spec.music))
+    if (m_setup.music && m_order.sync != RenderOrder::Sync::Off) {
+        if (const auto beats = BeatTracker::track(*m_setup.music))
             grid = BeatTracker::grid(*beats, m_order.sync == RenderOrder::Sync::Bar, longest);
     }
-    m_spec.plan = CutPlan::make(clips, m_order.xfade, videoRate, grid);
-    for (const auto &piece : m_spec.plan.pieces())
-        m_spec.sources.push_back((*footage)[piece.clip].video);
-    RenderSpec::frameFor(shortSide, m_spec.landscape, m_spec.vertical);
+    m_setup.plan = CutPlan::make(clips, m_order.xfade, videoRate, grid);
+    for (const auto &piece : m_setup.plan.pieces())
+        m_setup.sources.push_back((*footage)[piece.clip].video);
+    RenderSetup::frameFor(shortSide, m_setup.landscape, m_setup.vertical);
     if (wide)
-        m_spec.landscapeFile = temporary(".mp4");
+        m_setup.landscapeFile = temporary(".mp4");
     if (tall)
-        m_spec.verticalFile = temporary(".mp4");
+        m_setup.verticalFile = temporary(".mp4");
 
     if (hud) {
         std::vector<HudScript::Piece> pieces;
-        const auto &plan = m_spec.plan;
+        const auto &plan = m_setup.plan;
         for (std::size_t k = 0; k < plan.pieces().size(); ++k) {
             const auto &piece = plan.pieces()[k];
             pieces.push_back({(*footage)[piece.clip].track.get(), piece.start, double(piece.offset) / plan.fps(),
                               k == 0 ? 0.0 : plan.cutTime(k),
                               k + 1 == plan.pieces().size() ? plan.seconds() : plan.cutTime(k + 1)});
         }
-        m_spec.hud = temporary(".ass");
-        std::ofstream out(*m_spec.hud, std::ios::binary);
-        out << HudScript::make(pieces, m_spec.landscape.width, m_spec.landscape.height);
+        m_setup.hud = temporary(".ass");
+        std::ofstream out(*m_setup.hud, std::ios::binary);
+        out << HudScript::make(pieces, m_setup.landscape.width, m_setup.landscape.height);
         if (!out.flush())
             return renderFailure(5, QStringLiteral("The library can’t write the overlay of the video."));
     }
@@ -128,8 +128,8 @@ Result<void> RenderJob::prepare()
 
 Result<std::vector<RenderRow>> RenderJob::run(std::stop_token stop, std::function<void(double)> onProgress)
 {
-    const auto made = ToolRun::run(ToolRun::ffmpeg(), RenderGraph::arguments(m_spec),
-                                   progressReader(m_spec.plan.seconds(), std::move(onProgress)), stop);
+    const auto made = ToolRun::run(ToolRun::ffmpeg(), RenderGraph::arguments(m_setup),
+                                   progressReader(m_setup.plan.seconds(), std::move(onProgress)), stop);
     if (stop.stop_requested())
         return renderFailure(6, QStringLiteral("Making the video was stopped."));
     if (!made)
@@ -146,16 +146,16 @@ Result<std::vector<RenderRow>> RenderJob::run(std::stop_token stop, std::functio
         row.aspect = aspect;
         outputs.emplace_back(file, std::move(row));
     };
-    if (m_spec.landscapeFile)
-        output(*m_spec.landscapeFile, "landscape");
-    if (m_spec.verticalFile)
-        output(*m_spec.verticalFile, "vertical");
+    if (m_setup.landscapeFile)
+        output(*m_setup.landscapeFile, "landscape");
+    if (m_setup.verticalFile)
+        output(*m_setup.verticalFile, "vertical");
 
     std::vector<RenderRow> rows;
     for (auto &[file, row] : outputs) {
-        row.millis = std::llround(m_spec.plan.seconds() * 1000);
+        row.millis = std::llround(m_setup.plan.seconds() * 1000);
         row.bytes = std::int64_t(fs::file_size(file, ec));
-        const auto &frame = row.aspect == "landscape" ? m_spec.landscape : m_spec.vertical;
+        const auto &frame = row.aspect == "landscape" ? m_setup.landscape : m_setup.vertical;
         row.width = frame.width;
         row.height = frame.height;
         row.settings = settings(row.aspect == "landscape").dump();
@@ -183,7 +183,7 @@ void RenderJob::makePoster(const fs::path &video, const fs::path &poster) const
     const auto made = ToolRun::run(
         ToolRun::ffmpeg(),
         {QStringLiteral("-nostdin"), QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-ss"),
-         QString::number(m_spec.plan.seconds() / 3, 'f', 3), QStringLiteral("-i"), QString::fromStdString(video.string()),
+         QString::number(m_setup.plan.seconds() / 3, 'f', 3), QStringLiteral("-i"), QString::fromStdString(video.string()),
          QStringLiteral("-frames:v"), QStringLiteral("1"), QStringLiteral("-q:v"), QStringLiteral("3"),
          QStringLiteral("-y"), QString::fromStdString(poster.string())},
         std::chrono::seconds(30));
@@ -200,7 +200,7 @@ ordered_json RenderJob::settings(bool wide) const
         out["track"] = m_track;
     if (!m_track.empty() && m_order.sync != RenderOrder::Sync::Off)
         out["beatSync"] = m_order.syncName();
-    out["xfade"] = m_spec.plan.xfade();
-    out["hud"] = wide && m_spec.hud.has_value();
+    out["xfade"] = m_setup.plan.xfade();
+    out["hud"] = wide && m_setup.hud.has_value();
     return out;
 }

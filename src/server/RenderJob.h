@@ -36,7 +36,7 @@ public:
     /// Everything but the encoding. Blocking; milliseconds for the usual story.
     [[nodiscard]] Result<void> prepare();
     /// The ffmpeg run `prepare` worked out.
-    [[nodiscard]] const RenderSpec &spec() const { return m_spec; }
+    [[nodiscard]] const RenderSetup &setup() const { return m_setup; }
     /// Encodes, makes the posters and moves the files into place; the rows to store (without
     /// their `rendered` time). `onProgress` hears the fraction done.
     [[nodiscard]] Result<std::vector<RenderRow>> run(std::stop_token stop, std::function<void(double)> onProgress);
@@ -53,7 +53,7 @@ private:
     RenderOrder m_order;
     std::string m_items;
     std::vector<std::string> m_ids;
-    RenderSpec m_spec;
+    RenderSetup m_setup;
     std::string m_track;  ///< the track used, relative to music/; empty without music
     std::vector<std::filesystem::path> m_temporary;
 };

@@ -129,9 +129,3 @@ void RenderQueue::stop()
     m_stopped = true;
     stopWorker(std::move(lock));
 }
-
-void RenderQueue::waitIdle() const
-{
-    while (running())
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-}

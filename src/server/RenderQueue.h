@@ -45,8 +45,6 @@ public:
     void cancel(const std::string &projectId);
     /// Stops any job and returns once it has ended; nothing starts after this.
     void stop();
-    /// Returns once no job is running (for tools that wait on a job of their own).
-    void waitIdle() const;
 
 private:
     void work(std::stop_token stop, RenderOrder order, std::string items, std::string id);

@@ -18,7 +18,8 @@ std::string resource(const char *name)
 
 std::string length(double seconds)
 {
-    const long long whole = std::llround(std::max(0.0, seconds));
+    // Whole seconds gone by, as a player's clock shows the same length.
+    const long long whole = (long long)(std::max(0.0, seconds));
     char text[32];
     std::snprintf(text, sizeof text, "%lld:%02lld", whole / 60, whole % 60);
     return text;

@@ -172,7 +172,10 @@ void addItem(httplib::Server &server, ServerContext &ctx)
         const auto story = found(ctx.db, req, res);
         if (!story)
             return;
-        ctx.db.prepare("DELETE FROM projects WHERE id=?").bind(1, story->id).run();
+        {
+            auto guard = ctx.db.lock();
+            ctx.db.prepare("DELETE FROM projects WHERE id=?").bind(1, story->id).run();
+        }
         // Its videos and their links go with it. This waits for a video of it being made to
         // stop, so no lock of the database may be held here.
         Routes::forgetStoryVideos(ctx, story->id);

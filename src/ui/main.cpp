@@ -6,6 +6,8 @@
 #include "ClipLightboxModel.h"
 #include "ClipsBrowserModel.h"
 #include "ClipsBrowserStore.h"
+#include "CutFlowFactory.h"
+#include "CuttingTypes.h"
 #include "DesktopShare.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
@@ -23,9 +25,11 @@
 #include "ReelsHubModel.h"
 #include "ReelsStore.h"
 #include "ReviewTypes.h"
+#include "SingleInstance.h"
 #include "StoriesTypes.h"
 #include "StoryDevHooks.h"
 #include "StoryNavigator.h"
+#include "SystemColorScheme.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
 #include "ThemeManager.h"
@@ -37,13 +41,14 @@
 #include <QCommandLineParser>
 #include <QDateTime>
 #include <QGuiApplication>
-#include <QPalette>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QQuickWindow>
 #include <QStandardPaths>
 
 #include <QCoroTask>
+
+#include <cstdio>
 
 int main(int argc, char *argv[])
 {
@@ -52,6 +57,8 @@ int main(int argc, char *argv[])
     QGuiApplication::setOrganizationName(QStringLiteral("Aeroloom"));
     QGuiApplication::setApplicationName(QStringLiteral("Aeroloom"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Ornivale"));
+    // Lets the desktop match the windows to the installed entry and its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("aeroloom"));
 
     QCommandLineParser parser;
     parser.addHelpOption();
@@ -66,6 +73,20 @@ int main(int argc, char *argv[])
     parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Flight files to import."), QStringLiteral("[files...]"));
     parser.process(app);
 
+    // One program per work folder: a second launch hands its files to the running one and leaves.
+    const QString workRoot = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Aeroloom");
+    const QList<QUrl> opened = FileOpenRouter::urlsOf(parser.positionalArguments());
+    SingleInstance instance(workRoot);
+    if (!instance.claim(opened)) {
+        if (instance.handedOver())
+            return 0;
+        std::fprintf(stderr, "Aeroloom is already running but did not answer. Try again in a moment.\n");
+        return 1;
+    }
+    FileOpenRouter router;
+    router.open(opened);
+    QObject::connect(&instance, &SingleInstance::launched, &router, &FileOpenRouter::open);
+
     // The offscreen platform has no GPU: draw in software so pictures come out the same everywhere.
     // Elsewhere OpenGL, which mpv draws video with.
     if (QGuiApplication::platformName() == QLatin1String("offscreen"))
@@ -79,13 +100,14 @@ int main(int argc, char *argv[])
     KeychainCredentialStore credentials;
     AppModel appModel(prefs, credentials);
     ThemeManager themeManager(prefs);
-    themeManager.setSystemDark(QGuiApplication::palette().color(QPalette::Window).lightness() < 128);
+    SystemColorScheme systemScheme;
+    themeManager.setSystemDark(systemScheme.dark());
+    QObject::connect(&systemScheme, &SystemColorScheme::darkChanged, &themeManager,
+                     [&] { themeManager.setSystemDark(systemScheme.dark()); });
     Theme theme(themeManager);
     UnitsPref units(prefs);
     PlaybackQuality playback(prefs);
-    FileOpenRouter router;
     ImageCache images;
-    router.openArguments(parser.positionalArguments());
 
     // The session is decided before the first window shows, so no window flashes the wrong
     // screen; a keyring that doesn't answer gives up after its timeout.
@@ -93,11 +115,19 @@ int main(int argc, char *argv[])
     router.follow(&appModel);
 
     // Import: one queue for the life of the program, so closing its window never stops it.
-    GeocodeClient geocoder({});
+    // Place names only once the pilot has given OpenStreetMap a contact address (Settings, Import).
+    const QString contactKey = QStringLiteral("ingest.geocodeContact");
+    GeocodeClient::Options places;
+    places.contact = prefs.stringValue(contactKey);
+    GeocodeClient geocoder(places);
+    QObject::connect(&prefs, &Preferences::changed, &geocoder, [&](const QString &key) {
+        if (key == contactKey)
+            geocoder.setContact(prefs.stringValue(key));
+    });
     IngestQueue::Services ingest;
     ingest.client = appModel.client();
     ingest.process = IngestPipeline::asQueueStep(&geocoder);
-    ingest.workRoot = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Aeroloom");
+    ingest.workRoot = workRoot;
     ingest.geocode = [&prefs] { return prefs.boolValue(QStringLiteral("ingest.geocode")); };
     ingest.keepProcessed = [&prefs] { return prefs.boolValue(QStringLiteral("ingest.keepProcessed")); };
     IngestQueue queue(ingest);
@@ -175,12 +205,19 @@ int main(int argc, char *argv[])
     DesktopShare desktop;
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Desktop", &desktop);
 
+    // The cut window makes its own model each time it opens, from the session of the moment.
+    CutFlowFactory cutFlows(appModel, prefs);
+    registerCuttingTypes(cutFlows);
+
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,
                      [] { QCoreApplication::exit(1); }, Qt::QueuedConnection);
     engine.load(QUrl(QStringLiteral("qrc:/Aeroloom/qml/Main.qml")));
     if (engine.rootObjects().isEmpty())
         return 1;
+    // A launch that found the program running brings its main window forward.
+    QObject::connect(&instance, &SingleInstance::launched, engine.rootObjects().first(),
+                     [main = engine.rootObjects().first()] { QMetaObject::invokeMethod(main, "open"); });
 
     WindowShots shots(engine);
     if (parser.isSet(screenshots))

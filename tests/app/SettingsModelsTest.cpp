@@ -7,6 +7,7 @@
 #include "AppTestSupport.h"
 #include "CoroTest.h"
 #include "MemoryCredentialStore.h"
+#include "StallingServer.h"
 #include "TestServer.h"
 
 #include <QDir>
@@ -89,6 +90,53 @@ TEST(SettingsModels, OneFlightReadsSingularInTheRowButNotInTheTestAndAFailedTest
     EXPECT_EQ(model.libraryText(), QStringLiteral("1 flight")) << "a failed test leaves the library row";
 }
 
+TEST(SettingsModels, TheAccountTabForgetsASessionAndStartsEveryLoadFromNothing)
+{
+    TestServer first;
+    Session session(first.base());
+    AccountSettingsModel model(*session.app, &session.events);
+    load(model);
+    model.testConnection();
+    ASSERT_TRUE(waitUntil([&] { return !model.checking() && !model.checkResult().isEmpty(); }));
+
+    session.app->signOut();
+    EXPECT_EQ(model.email(), QStringLiteral("—"));
+    EXPECT_FALSE(model.hasLibrary());
+    EXPECT_TRUE(model.checkResult().isEmpty());
+    model.load();  // the window shown while signed out asks nothing
+    EXPECT_FALSE(model.hasLibrary());
+    session.app->client()->network()->clearConnectionCache();  // the first library needn't wait it out
+
+    // Another library whose every answer fails: the rows stay empty, not the first library's.
+    RecordingServer broken;
+    replyClosing(broken, 500, "{}");
+    session.app->signIn(broken.base(), QString(), QString());
+    model.load();
+    // The account refresh of the sign-in, then the three steps of the load.
+    ASSERT_TRUE(waitUntil([&] { return broken.count() >= 4; }));
+    waitUntil([] { return false; }, 300);
+    EXPECT_EQ(model.email(), QStringLiteral("—"));
+    EXPECT_FALSE(model.hasLibrary());
+    EXPECT_EQ(model.samplesCount(), 0);
+}
+
+TEST(SettingsModels, TheConnectionTestOfAStalledServerEndsInTime)
+{
+    using namespace std::chrono_literals;
+    StallingServer stalled;
+    IsolatedPrefs prefs;
+    MemoryCredentialStore credentials;
+    AppEvents events;
+    AppModel app(*prefs.prefs, credentials, envWith({{"SPIKE_BASE", stalled.base()}}));
+    app.setClientTimeout(200ms);
+    run(app.start());
+    AccountSettingsModel model(app, &events);
+    model.testConnection();
+    EXPECT_TRUE(model.checking());
+    ASSERT_TRUE(waitUntil([&] { return !model.checking(); }, 5000)) << "still “Checking…”";
+    EXPECT_EQ(model.checkResult(), QStringLiteral("The request timed out."));
+}
+
 TEST(SettingsModels, PendingUploadsAddUpAndClear)
 {
     IsolatedPrefs prefs;
@@ -110,7 +158,12 @@ TEST(SettingsModels, PendingUploadsAddUpAndClear)
     EXPECT_EQ(model.pendingBytes(), 0);
 
     EXPECT_EQ(model.outputName(), QStringLiteral("~/Videos/Aeroloom"));
+    // An older build left only the plain path: it still names the folder.
+    prefs.prefs->setValue("cut.outputRoot.path", dir.filePath("Old"));
+    EXPECT_EQ(model.outputName(), QStringLiteral("Old"));
     model.setOutputFolder(QUrl::fromLocalFile(dir.filePath("Cuts")));
     EXPECT_EQ(model.outputName(), QStringLiteral("Cuts"));
-    EXPECT_EQ(prefs.reopen()->stringValue("cut.outputRoot.path"), dir.filePath("Cuts"));
+    // The cut window reads the same key; the plain path of old goes so the two can't disagree.
+    EXPECT_EQ(prefs.reopen()->stringValue("cut.outputRoot"), dir.filePath("Cuts"));
+    EXPECT_FALSE(prefs.prefs->contains("cut.outputRoot.path"));
 }

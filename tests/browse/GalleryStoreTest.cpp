@@ -4,6 +4,7 @@
 #include "AppEvents.h"
 #include "CoroTest.h"
 #include "RecordingServer.h"
+#include "StallingServer.h"
 
 #include <gtest/gtest.h>
 
@@ -125,6 +126,21 @@ TEST(GalleryStoreLoad, AFailedManifestKeepsWhatWasShownOrShowsTheErrorScreen)
     EXPECT_EQ(f.store.flightCount(), 4);  // the old list stays
     EXPECT_EQ(f.store.screen(), "content");
     EXPECT_FALSE(f.store.error().isEmpty());
+}
+
+TEST(GalleryStoreLoad, ALibraryThatStallsEndsTheLoadWithAnError)
+{
+    using namespace std::chrono_literals;
+    StallingServer stalled;
+    QTemporaryDir dir;
+    QSettings settings(dir.filePath("prefs.ini"), QSettings::IniFormat);
+    GalleryStore store(std::make_shared<APIClient>(stalled.base(), std::nullopt, nullptr, nullptr, 200ms), &settings,
+                       nullptr);
+    store.load();
+    EXPECT_TRUE(store.loading());
+    ASSERT_TRUE(waitUntil([&] { return !store.loading(); }, 5000)) << "the gallery spins for ever";
+    EXPECT_EQ(store.screen(), "error");
+    EXPECT_EQ(store.error(), "The request timed out.");
 }
 
 TEST(GalleryStoreLoad, ReloadsWhenAFlightIsImportedOrSamplesChange)

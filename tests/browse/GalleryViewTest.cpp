@@ -130,6 +130,35 @@ GalleryView {
     }
     void shoot(const QString &name) { QuickShots::save(*view, name); }
     nlohmann::json serverGet(const char *path) const { return jsonOf(server.client()->Get(path)); }
+
+    /// Pixels in the strip under the marker of pin `id` that have the colour of the theme's text:
+    /// where a pin's title is written.
+    int titleInkUnder(QQuickItem *map, const QString &id) const
+    {
+        QPointF sum;
+        int hits = 0;
+        for (int x = 0; x < map->width(); x += 2)
+            for (int y = 0; y < map->height(); y += 2) {
+                QString hit;
+                QMetaObject::invokeMethod(map, "hitAt", Q_RETURN_ARG(QString, hit), Q_ARG(double, x), Q_ARG(double, y));
+                if (hit == id) {
+                    sum += QPointF(x, y);
+                    ++hits;
+                }
+            }
+        if (hits == 0)
+            return -1;
+        const QPointF centre = map->mapToScene(sum / hits);
+        const QImage picture = view->grabWindow();
+        const QColor ink = theme.text();
+        int count = 0;
+        for (int x = int(centre.x()) - 40; x <= int(centre.x()) + 40; ++x)
+            for (int y = int(centre.y()) + 16; y <= int(centre.y()) + 34; ++y) {
+                const QColor c = picture.pixelColor(x, y);
+                count += std::abs(c.red() - ink.red()) + std::abs(c.green() - ink.green()) + std::abs(c.blue() - ink.blue()) < 60;
+            }
+        return count;
+    }
 };
 } // namespace
 
@@ -209,11 +238,15 @@ TEST_F(GalleryView, MapShowsClusteredPinsOnLoopbackTiles)
     themes.setPref(ThemeManager::ThemePref::cockpit);
     ASSERT_TRUE(waitUntil(complete, 10000));
     shoot("gallery-map-dark");
+    // A pin of its own carries its place under the marker; pins in a cluster say nothing.
+    EXPECT_GT(titleInkUnder(map, "20240512_093000_0001"), 15) << "Saltmarsh Lagoon";
+    EXPECT_GT(titleInkUnder(map, "20240714_121000_0004"), 15) << "Harbour Point";
     const int darkTiles = tiles.served();
     themes.setPref(ThemeManager::ThemePref::field);
     ASSERT_TRUE(waitUntil(complete, 10000));
     EXPECT_GT(tiles.served(), darkTiles);  // the light base map is other tiles
     shoot("gallery-map-light");
+    EXPECT_GT(titleInkUnder(map, "20240512_093000_0001"), 15) << "Saltmarsh Lagoon";
 
     // A filter that keeps the same flights leaves the camera where it is; a press on the
     // cluster zooms to its members.

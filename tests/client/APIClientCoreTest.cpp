@@ -2,6 +2,10 @@
 #include "APIError.h"
 #include "CoroTest.h"
 #include "RecordingServer.h"
+#include "StallingServer.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -65,4 +69,33 @@ TEST(APIClientCore, DroppedConnectionIsATransportFailure)
     ASSERT_FALSE(r.ok());
     EXPECT_EQ(r.failure().domain, APIError::networkDomain);
     EXPECT_FALSE(r.errorText().isEmpty());
+}
+
+TEST(APIClientCore, AStalledServerTimesOutOnEveryShapeAndAStopStaysAStop)
+{
+    using namespace std::chrono_literals;
+    StallingServer server;
+    APIClient client(server.base(), QStringLiteral("Bearer abc"), nullptr, {}, 150ms);
+    const QString timedOut = QStringLiteral("The request timed out.");
+    QElapsedTimer clock;
+    clock.start();
+
+    EXPECT_EQ(run(client.fetchMe()).errorText(), timedOut);
+    EXPECT_EQ(run(client.fetchManifest()).errorText(), timedOut);
+    EXPECT_EQ(run(client.setHidden(QStringLiteral("F1"), true)).errorText(), timedOut);
+    EXPECT_EQ(run(client.deleteFlight(QStringLiteral("F1"))).errorText(), timedOut);
+    EXPECT_EQ(run(client.downloadToTemporary(QStringLiteral("x.mp4"), QStringLiteral("aeroloom-stall.mp4"))).errorText(),
+              timedOut);
+    EXPECT_TRUE(run(client.imageBytes(client.flightThumbURL(QStringLiteral("F1")))).isEmpty());
+    EXPECT_EQ(server.stalledRequests(), 6);
+    EXPECT_LT(clock.elapsed(), 5000);
+
+    // The pilot's own stop is not a timeout, and says so.
+    APIClient patient(server.base(), std::nullopt, nullptr, {}, 10s);
+    CancelToken stop;
+    QTimer::singleShot(100ms, &stop, &CancelToken::cancel);
+    const auto stopped = run(patient.fetchManifest(&stop));
+    ASSERT_FALSE(stopped.ok());
+    EXPECT_NE(stopped.errorText(), timedOut);
+    EXPECT_LT(clock.elapsed(), 8000);
 }

@@ -32,7 +32,7 @@ TEST_F(WireTest, ImageBytesComeWhateverTheStatus)
 {
     server.replyWith(404, "<html>missing</html>", "text/html");
     EXPECT_EQ(run(client.imageBytes(client.flightThumbURL("F1"))), "<html>missing</html>");
-    expectRequest("GET", "/flights/F1/thumb.jpg", 0);
+    expectRequest("GET", "/flights/F1/thumb.jpg", timeout60);
     server.setHandler([](const RecordingServer::Request &) {
         RecordingServer::Reply reply;
         reply.drop = true;
@@ -47,7 +47,7 @@ TEST_F(WireTest, WebSessionCookieFromABearerToken)
     const QDateTime before = QDateTime::currentDateTimeUtc();
     const auto cookie = run(client.webSessionCookie());
     ASSERT_TRUE(cookie.has_value());
-    expectRequest("POST", "/api/auth/session", 60000);
+    expectRequest("POST", "/api/auth/session", timeout60);
     EXPECT_TRUE(server.last().body.isEmpty());
     EXPECT_EQ(cookie->name(), "ws");
     EXPECT_EQ(cookie->value(), "abc");
@@ -132,7 +132,7 @@ TEST_F(DownloadTest, StreamsToTheTemporaryFolderAndReplacesAnOlderFile)
     const auto path = run(client.downloadToTemporary("api/projects/p1/renders/r1/file.mp4", name));
     ASSERT_TRUE(path.ok()) << path.errorText().toStdString();
     EXPECT_EQ(*path, destination);
-    expectRequest("GET", "/api/projects/p1/renders/r1/file.mp4", 0);
+    expectRequest("GET", "/api/projects/p1/renders/r1/file.mp4", timeout60);
     EXPECT_EQ(destination, QDir(temp.path()).filePath(name));
     EXPECT_EQ(readAll(destination), video);
     EXPECT_EQ(leftovers(), QStringList{name});

@@ -3,7 +3,6 @@
 #include "WireFixture.h"
 
 namespace {
-constexpr int timeout60 = 60000;
 const QByteArray projectReply = R"({"id":"p1","title":"Alps","items":[{"flightId":"F","clipId":"c","in":1,"out":2,"label":"a"}]})";
 } // namespace
 
@@ -13,13 +12,13 @@ TEST_F(WireTest, StoriesAreReadAndWrittenWithTheirBodies)
     const auto list = run(client.fetchProjects());
     ASSERT_TRUE(list.ok());
     EXPECT_EQ(list->at(0).cover->flightId, "F");
-    expectRequest("GET", "/api/projects", 0);
+    expectRequest("GET", "/api/projects", timeout60);
 
     server.replyWith(200, projectReply);
     const auto project = run(client.fetchProject("p1"));
     ASSERT_TRUE(project.ok());
     EXPECT_EQ(project->items.size(), 1);
-    expectRequest("GET", "/api/projects/p1", 0);
+    expectRequest("GET", "/api/projects/p1", timeout60);
 
     ASSERT_TRUE(run(client.createProject("New")).ok());
     expectRequest("POST", "/api/projects", timeout60);
@@ -47,7 +46,7 @@ TEST_F(WireTest, StoriesAreReadAndWrittenWithTheirBodies)
 
     server.replyWith(200, R"({"tracks":["Alpine Dawn.mp3","b.m4a"]})");
     EXPECT_EQ(*run(client.fetchMusic()), (QStringList{"Alpine Dawn.mp3", "b.m4a"}));
-    expectRequest("GET", "/api/music", 0);
+    expectRequest("GET", "/api/music", timeout60);
 }
 
 TEST_F(WireTest, AutoreelBodyKeepsItsOrderAndLeavesOutWhatIsNotGiven)
@@ -71,7 +70,7 @@ TEST_F(WireTest, CutListComesWithItsSortedPrettyText)
     server.replyWith(200, body);
     const auto doc = run(client.fetchEDL("p1"));
     ASSERT_TRUE(doc.ok());
-    expectRequest("GET", "/api/projects/p1/edl", 0);
+    expectRequest("GET", "/api/projects/p1/edl", timeout60);
     EXPECT_EQ(doc->edl.items.at(0).output, "01-a.mp4");
     EXPECT_EQ(doc->edl.items.at(0).start, 1.25);
     EXPECT_FALSE(doc->edl.items.at(0).end);
@@ -130,16 +129,16 @@ TEST_F(WireTest, VideosOfAStoryAndOfTheLibrary)
     ASSERT_TRUE(status.ok());
     EXPECT_EQ(status->progress, 0.4);
     EXPECT_EQ(status->settings->hud, false);
-    expectRequest("GET", "/api/projects/p1/render", 0);
+    expectRequest("GET", "/api/projects/p1/render", timeout60);
 
     server.replyWith(200, R"({"renders":[{"id":"r1","size":5000000000,"projectId":"p1","projectTitle":"Alps"}]})");
     auto renders = run(client.fetchRenders("p1"));
     ASSERT_TRUE(renders.ok());
     EXPECT_EQ(renders->at(0).size, 5000000000LL);
-    expectRequest("GET", "/api/projects/p1/renders", 0);
+    expectRequest("GET", "/api/projects/p1/renders", timeout60);
     renders = run(client.fetchAllRenders());
     EXPECT_EQ(renders->at(0).projectTitle, "Alps");
-    expectRequest("GET", "/api/renders", 0);
+    expectRequest("GET", "/api/renders", timeout60);
 
     ASSERT_TRUE(run(client.deleteRender("p1", "r1")).ok());
     expectRequest("DELETE", "/api/projects/p1/renders/r1", timeout60);
@@ -151,7 +150,7 @@ TEST_F(WireTest, SharesAndTheOnlyPatch)
         R"({"token":"tk","url":"https://x/s/tk","projectId":"p1","renderId":"r1","views":0,"hearts":2})";
     server.replyWith(200, QByteArray(R"({"shares":[)") + share + "]}");
     ASSERT_EQ(run(client.fetchShares())->size(), 1);
-    expectRequest("GET", "/api/shares", 0);
+    expectRequest("GET", "/api/shares", timeout60);
 
     server.replyWith(200, share);
     ASSERT_TRUE(run(client.createShare("p1", "r1")).ok());

@@ -12,6 +12,9 @@
 
 #include <memory>
 
+/// Every request of the client is given up after a minute without progress.
+constexpr int timeout60 = 60000;
+
 /// @brief Remembers what each request asked of the network layer (its transfer timeout and
 /// verb), which the server on the other side can't see.
 class WatchingNetwork : public QNetworkAccessManager
@@ -67,7 +70,7 @@ protected:
         QCoreApplication::processEvents();
     }
 
-    /// One request, checked for verb, target and the timeout it set (0 = none).
+    /// One request, checked for verb, target and the timeout it set.
     void expectRequest(const QByteArray &verb, const QByteArray &target, int timeoutMs)
     {
         const auto r = server.last();

@@ -3,6 +3,7 @@
 #include "APIClient.h"
 #include "CoroTest.h"
 #include "RecordingServer.h"
+#include "StallingServer.h"
 #include "UploadError.h"
 
 #include <QElapsedTimer>
@@ -160,6 +161,28 @@ TEST(FlightUploader, RetriesOnlyTheDroppedFileWithGrowingWaits)
     EXPECT_FALSE(f.targets().contains("POST /api/flights/C/commit"));
 }
 
+TEST(FlightUploader, AServerThatStopsReadingMidBodyIsRetriedAndThenSaysItTimedOut)
+{
+    // The small file goes through; the proxy stalls after 64 kB, three times in a row.
+    StallingServer server({[](const QByteArray &target) { return target.endsWith("/proxy.mp4"); }, 64 * 1024});
+    QTemporaryDir dir;
+    writeFile(dir.filePath("flight.json"), R"({"meta":{}})");
+    writeFile(dir.filePath("proxy.mp4"), "");
+    QFile proxy(dir.filePath("proxy.mp4"));
+    ASSERT_TRUE(proxy.resize(24'000'000));  // streamed from disk, far more than the buffers hold
+    FlightUploader uploader(std::make_shared<APIClient>(server.base(), std::nullopt), 100ms, 300ms);
+    QElapsedTimer clock;
+    clock.start();
+    const auto result = run(uploader.upload("S", dir.path(), {}));
+    ASSERT_FALSE(result.ok());
+    EXPECT_EQ(result.errorText(), QStringLiteral("The request timed out."));
+    EXPECT_EQ(server.answeredRequests(), 1);
+    EXPECT_EQ(server.stalledRequests(), 3);
+    // Three stalls of 300 ms and the waits of 100 and 200 ms between them.
+    EXPECT_GE(clock.elapsed(), 3 * 300 + 300 - 50);
+    EXPECT_LT(clock.elapsed(), 10'000);
+}
+
 TEST(FlightUploader, CancellationEndsTheTransferWithoutRetry)
 {
     Fixture f;
@@ -177,6 +200,15 @@ TEST(FlightUploader, CancellationEndsTheTransferWithoutRetry)
     ASSERT_FALSE(result.ok());
     EXPECT_LT(clock.elapsed(), 5000) << "cancel must cut the retry wait short";
     EXPECT_EQ(f.server.count(), 1);
+
+    // A stop in the middle of a transfer that stands still is the pilot's, not a timeout.
+    StallingServer stalled;
+    FlightUploader patient(std::make_shared<APIClient>(stalled.base(), std::nullopt), 10ms);
+    CancelToken stop;
+    QTimer::singleShot(150ms, &stop, &CancelToken::cancel);
+    const auto stopped = run(patient.upload("D", f.dir.path(), {}, &stop));
+    EXPECT_EQ(stopped.errorText(), QStringLiteral("Operation canceled"));
+    EXPECT_EQ(stalled.stalledRequests(), 1);
 
     // A token cancelled before the start sends nothing that completes.
     const auto early = run(f.uploader.upload("D", f.dir.path(), {}, &token));

@@ -77,6 +77,28 @@ TEST(GeocodeClient, OneRequestPerCellWithTheExpectedQueryAndAgent)
     EXPECT_EQ(GeocodeClient::cacheKey(-0.004, 179.999), QStringLiteral("-0.00,180.00"));
 }
 
+TEST(GeocodeClient, WithoutAContactAddressNothingIsAskedAndNothingRemembered)
+{
+    Fixture f;
+    auto options = f.options();
+    options.contact = QStringLiteral("   ");
+    GeocodeClient client(options);
+    EXPECT_EQ(run(client.placeName(44.0512, -121.3153)), std::nullopt);
+    EXPECT_EQ(f.server.count(), 0);
+    EXPECT_FALSE(QFile::exists(options.cacheFile));
+
+    // Given an address later, the same place is asked for and named.
+    client.setContact(QStringLiteral(" ops@example.org "));
+    EXPECT_EQ(run(client.placeName(44.0512, -121.3153)), QStringLiteral("Bend, Oregon"));
+    EXPECT_EQ(f.server.last().header("User-Agent"), "Aeroloom-Mac/0.1 (DJI flight library; ops@example.org)");
+
+    // A cached name needs no request, so it is still given without an address.
+    client.setContact(QString());
+    EXPECT_EQ(run(client.placeName(44.0549, -121.3189)), QStringLiteral("Bend, Oregon"));
+    EXPECT_EQ(run(client.placeName(47.5, -119.9)), std::nullopt);
+    EXPECT_EQ(f.server.count(), 1);
+}
+
 TEST(GeocodeClient, RemembersMissesOnDiskAndAcrossInstances)
 {
     Fixture f;

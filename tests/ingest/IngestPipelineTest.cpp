@@ -37,6 +37,7 @@ TEST(IngestPipeline, AClipWithASidecarBecomesAFlightWithPathPlaceProxyAndThumbna
     nominatim.replyWith(200, R"({"address":{"town":"Bend","state":"Oregon"}})");
     GeocodeClient::Options geo;
     geo.server = QUrl(nominatim.base());
+    geo.contact = QStringLiteral("ops@example.org");
     geo.cacheFile = f.dir.filePath("geocache.json");
     GeocodeClient geocoder(geo);
 

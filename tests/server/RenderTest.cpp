@@ -271,7 +271,7 @@ TEST_F(Render, OneVideoAtATimeForTheWholeLibrary)
     request.track = QStringLiteral("none");
     const auto refused = run(client->startRender(QString::fromStdString(second), request));
     ASSERT_FALSE(refused.ok());
-    EXPECT_EQ(refused.failure(), APIError::status(409));
+    EXPECT_TRUE(APIError::isStatus(refused.failure(), 409)) << refused.errorText().toStdString();
     EXPECT_EQ(jsonOf(http->Get(("/api/projects/" + second + "/render").c_str()))["status"], "idle");
     const auto running = run(client->fetchRenderStatus(QString::fromStdString(first)));
     ASSERT_TRUE(running.ok());
@@ -331,4 +331,35 @@ TEST_F(Render, FailedOrStoppedJobsLeaveNoFile)
     EXPECT_EQ(status["status"], "error");
     EXPECT_FALSE(status.value("error", "").empty()) << status.dump();
     EXPECT_EQ(leftovers(), before);
+}
+
+TEST_F(Render, VideosAndTheirLinksGoWithTheVideoOrTheStory)
+{
+    const std::string story = ColourFlights::story(*http, "Short-lived", json::array({{{"flightId", blue}, {"in", 0.0}, {"out", 1.0}}}));
+    ASSERT_EQ(make(story, {{"track", "none"}, {"hud", false}, {"xfade", 0.2}, {"aspect", "both"}})["status"], "done");
+    const json list = renders(story);
+    ASSERT_EQ(list.size(), 2u);
+    const std::string wide = list[0]["id"], tall = list[1]["id"];
+    const auto link = [&](const std::string &video) {
+        const json made = jsonOf(http->Post(("/api/projects/" + story + "/shares").c_str(), json{{"renderId", video}}.dump(),
+                                            "application/json"));
+        return "/s/" + made.value("token", std::string());
+    };
+    const std::string wideLink = link(wide), tallLink = link(tall);
+    ASSERT_EQ(http->Get(wideLink.c_str())->status, 200);
+
+    ASSERT_EQ(http->Delete(("/api/projects/" + story + "/renders/" + tall).c_str())->status, 200);
+    EXPECT_FALSE(fs::exists(library / "renders" / (tall + ".mp4")));
+    EXPECT_FALSE(fs::exists(library / "renders" / (tall + ".jpg")));
+    EXPECT_EQ(http->Get(tallLink.c_str())->status, 404);
+    EXPECT_EQ(http->Get(wideLink.c_str())->status, 200);
+    EXPECT_EQ(renders(story).size(), 1u);
+
+    ASSERT_EQ(http->Delete(("/api/projects/" + story).c_str())->status, 200);
+    EXPECT_FALSE(fs::exists(library / "renders" / (wide + ".mp4")));
+    EXPECT_EQ(http->Get(wideLink.c_str())->status, 404);
+    for (const auto &entry : jsonOf(http->Get("/api/renders"))["renders"])
+        EXPECT_NE(entry["projectId"], story);
+    for (const auto &entry : jsonOf(http->Get("/api/shares"))["shares"])
+        EXPECT_NE(entry["projectId"], story);
 }

@@ -1,5 +1,6 @@
 // Starts the desktop program headless in each state a person meets first and keeps a picture
 // of every window under <build>/screenshots.
+#include "AppLaunch.h"
 #include "DjiTelemetry.h"
 #include "RecordingServer.h"
 #include "TestServer.h"
@@ -36,25 +37,10 @@ QDir shotsDir()
 int launch(const Launch &l, QString *output)
 {
     QTemporaryDir home;
-    QDir(home.path()).mkpath(QStringLiteral(".config/Aeroloom"));
-    QFile ini(home.filePath(QStringLiteral(".config/Aeroloom/Aeroloom.ini")));
-    EXPECT_TRUE(ini.open(QIODevice::WriteOnly));
-    ini.write("[General]\nthemePref=" + l.theme.toUtf8() + "\n");
-    for (const QString &line : l.storedSettings)
-        ini.write(line.toUtf8() + "\n");
-    ini.close();
+    AppLaunch::writeSettings(home.path(), l.theme, l.storedSettings);
     if (l.pendingFlight)
         makeFlightFolder(home.filePath(QStringLiteral(".local/share/Aeroloom/Pending/20240102_030405_0007")).toStdString());
-
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    for (const char *name : {"SPIKE_BASE", "SPIKE_TOKEN", "SPIKE_USER", "SPIKE_PASS", "SPIKE_SCREEN"})
-        env.remove(QString::fromLatin1(name));
-    env.insert(QStringLiteral("HOME"), home.path());
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral(".config")));
-    env.insert(QStringLiteral("XDG_DATA_HOME"), home.filePath(QStringLiteral(".local/share")));
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    for (auto it = l.env.begin(); it != l.env.end(); ++it)
-        env.insert(it.key(), it.value());
+    const QProcessEnvironment env = AppLaunch::environment(home.path(), l.env);
 
     QProcess process;
     process.setProcessEnvironment(env);

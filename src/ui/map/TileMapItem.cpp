@@ -14,6 +14,15 @@ namespace {
 constexpr double markerRadius = 13;
 constexpr double clusterRadius = 17;
 constexpr double dragSlop = 4;
+constexpr double titleGap = 3;
+constexpr double titleMaxWidth = 170;
+
+QFont titleFont(QFont font)
+{
+    font.setPixelSize(11);
+    font.setBold(true);
+    return font;
+}
 } // namespace
 
 TileMapItem::TileMapItem(QQuickItem *parent) : QQuickPaintedItem(parent)
@@ -281,7 +290,57 @@ void TileMapItem::paint(QPainter *painter)
     painter->fillRect(QRectF(0, 0, width(), height()), m_background);
     drawTiles(painter);
     drawMarkers(painter);
+    drawTitles(painter, clusters());
     drawAttribution(painter);
+}
+
+QRectF TileMapItem::titleRect(const QString &id) const
+{
+    for (const Title &title : titles(clusters()))
+        if (m_pins[title.pin].id == id)
+            return title.box;
+    return {};
+}
+
+QList<TileMapItem::Title> TileMapItem::titles(const QList<PinClusters::Cluster> &clusters) const
+{
+    const QFontMetricsF metrics(titleFont(QFont()));
+    QList<QRectF> taken;
+    for (const PinClusters::Cluster &c : clusters) {
+        const double r = c.single() ? markerRadius : clusterRadius;
+        taken.append(QRectF(c.position.x() - r, c.position.y() - r, 2 * r, 2 * r));
+    }
+    QList<Title> shown;
+    for (const PinClusters::Cluster &c : clusters) {
+        const int pin = c.members.first();
+        if (!c.single() || m_pins[pin].title.isEmpty())
+            continue;
+        const QString text = metrics.elidedText(m_pins[pin].title, Qt::ElideRight, titleMaxWidth);
+        const QSizeF size(metrics.horizontalAdvance(text) + 10, metrics.height() + 4);
+        const QRectF box(c.position.x() - size.width() / 2, c.position.y() + markerRadius + titleGap, size.width(),
+                         size.height());
+        const bool collides = std::any_of(taken.begin(), taken.end(), [&](const QRectF &other) { return other.intersects(box); });
+        if (collides || !QRectF(0, 0, width(), height()).contains(box))
+            continue;
+        taken.append(box);
+        shown.append({pin, box, text});
+    }
+    return shown;
+}
+
+void TileMapItem::drawTitles(QPainter *painter, const QList<PinClusters::Cluster> &clusters)
+{
+    painter->setFont(titleFont(QFont()));
+    // On a backing of the map's own colour, so the words read over any tile.
+    QColor backing = m_background;
+    backing.setAlpha(215);
+    for (const Title &title : titles(clusters)) {
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(backing);
+        painter->drawRoundedRect(title.box, 5, 5);
+        painter->setPen(m_textColor);
+        painter->drawText(title.box, Qt::AlignCenter, title.text);
+    }
 }
 
 void TileMapItem::drawTiles(QPainter *painter)

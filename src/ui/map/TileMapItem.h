@@ -13,7 +13,8 @@ class TileLoader;
 /// @brief A raster tile map for QML: a URL-template base map, pins that cluster on a grid,
 /// fitting, panning and zooming, and the base map's attribution.
 ///
-/// Pins are `{id, lat, lon, title}` maps. Setting new pins fits them into the view (padding
+/// Pins are `{id, lat, lon, title}` maps; a pin on its own shows its title under the marker
+/// where there is room for it. Setting new pins fits them into the view (padding
 /// `fitPadding`: top, then the other sides) without animation; an empty list leaves the camera
 /// alone. A press on a pin emits `pinTapped(id)`; a press on a cluster zooms, animated, to its
 /// members. The caller decides when the pins count as new (the gallery: when its id list changes).
@@ -73,6 +74,9 @@ public:
     Q_INVOKABLE QString hitAt(double x, double y) const;
     /// Presses at (x, y) as a pointer would.
     Q_INVOKABLE void pressAt(double x, double y);
+    /// Where the title of the pin `id` is drawn now, empty when it isn't (clustered, no title,
+    /// or no room beside the other titles).
+    Q_INVOKABLE QRectF titleRect(const QString &id) const;
 
     void paint(QPainter *painter) override;
 
@@ -98,8 +102,17 @@ private:
     void animateTo(const TileMath::Camera &target);
     [[nodiscard]] QSizeF viewSize() const { return {width(), height()}; }
     [[nodiscard]] QList<PinClusters::Cluster> clusters() const;
+    struct Title {
+        int pin;
+        QRectF box;
+        QString text;  ///< elided to fit
+    };
+    /// The titles that fit, in pin order: each under its marker, none over another title or
+    /// over a marker, the way a map leaves out labels that would collide.
+    [[nodiscard]] QList<Title> titles(const QList<PinClusters::Cluster> &clusters) const;
     void drawTiles(QPainter *painter);
     void drawMarkers(QPainter *painter);
+    void drawTitles(QPainter *painter, const QList<PinClusters::Cluster> &clusters);
     void drawAttribution(QPainter *painter);
     TileLoader *loader();
 

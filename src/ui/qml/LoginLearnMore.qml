@@ -31,8 +31,9 @@ Rectangle {
             wrapMode: Text.WordWrap
         }
         Text {
+            objectName: "learnMoreLink"
             visible: panel.model.learnMoreUrl !== ""
-            text: panel.model.learnMoreLink + "  →"
+            text: panel.model.learnMoreLink
             color: Theme.accent
             font.pixelSize: 13
             font.weight: Font.DemiBold

@@ -1,5 +1,6 @@
 // The settings window: Account, Import, Export and Appearance. What each row shows and does is
-// decided by the settings models; this file lays them out.
+// decided by the settings models; this file lays them out. The tabs are there while signed out
+// too: only the rows that need a session stand aside.
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Dialogs
@@ -14,21 +15,14 @@ ThemedWindow {
     minimumWidth: 520
     minimumHeight: 420
 
-    SignedOutWindowNotice {
-        anchors.fill: parent
-        visible: !App.loggedIn
-        message: "Your account settings live in your Ornivale library. Sign in from the main window, then come back here."
-    }
-
-    function refresh() {
-        if (App.loggedIn) {
-            AccountSettings.load()
+    // What the rows show is fetched each time the window is shown, never at start-up. The
+    // signal's own argument says whether it is: the `visible` property lags behind a window
+    // shown from C++ (the screenshot harness does that).
+    onVisibleChanged: function(nowVisible) {
+        AccountSettings.setShown(nowVisible)
+        if (nowVisible)
             StorageSettings.refreshPending()
-        }
     }
-    onVisibleChanged: if (visible) refresh()
-    Component.onCompleted: refresh()
-    Connections { target: App; function onLoggedInChanged() { refresh() } }
 
     component RowLabel: Text { color: Theme.textMuted; font.pixelSize: 13 }
     component RowValue: Text { color: Theme.text; font.pixelSize: 13 }
@@ -67,11 +61,11 @@ ThemedWindow {
 
     ColumnLayout {
         anchors.fill: parent
-        visible: App.loggedIn
         spacing: 0
 
         TabBar {
             id: tabs
+            objectName: "settingsTabs"
             Layout.fillWidth: true
             background: Rectangle { color: Theme.sidebar }
             Repeater {
@@ -114,7 +108,7 @@ ThemedWindow {
                 Text { text: "Server"; color: Theme.textMuted; font.pixelSize: 13 }
                 Text { text: App.baseString; color: Theme.text; font.pixelSize: 13; elide: Text.ElideMiddle; Layout.fillWidth: true }
                 Text { text: "Signed in as"; color: Theme.textMuted; font.pixelSize: 13 }
-                Text { text: AccountSettings.email; color: Theme.text; font.pixelSize: 13 }
+                Text { objectName: "signedInAs"; text: AccountSettings.email; color: Theme.text; font.pixelSize: 13 }
                 Text { visible: App.plan !== ""; text: "Plan"; color: Theme.textMuted; font.pixelSize: 13 }
                 Row {
                     visible: App.plan !== ""
@@ -152,8 +146,10 @@ ThemedWindow {
                     RowValue { text: "Removed" }
                     SmallButton { text: "Restore"; enabled: !AccountSettings.samplesBusy; onClicked: AccountSettings.restoreSamples() }
                 }
-                Text { text: "Manage tokens"; color: Theme.textMuted; font.pixelSize: 13 }
+                Text { visible: App.loggedIn; text: "Manage tokens"; color: Theme.textMuted; font.pixelSize: 13 }
                 AeroButton {
+                    objectName: "openAccountOnWeb"
+                    visible: App.loggedIn
                     primary: false
                     implicitHeight: 34
                     font.pixelSize: 13
@@ -163,10 +159,12 @@ ThemedWindow {
                     onClicked: Qt.openUrlExternally(App.baseString + "/settings.html")
                 }
                 RowLayout {
+                    visible: App.loggedIn
                     Layout.columnSpan: 2
                     Layout.topMargin: 8
                     spacing: 12
                     SmallButton {
+                        objectName: "testConnection"
                         text: AccountSettings.checking ? "Checking…" : "Test Connection"
                         enabled: !AccountSettings.checking
                         onClicked: AccountSettings.testConnection()
@@ -175,6 +173,8 @@ ThemedWindow {
                 }
                 Item { Layout.columnSpan: 2; Layout.fillHeight: true }
                 AeroButton {
+                    objectName: "signOut"
+                    visible: App.loggedIn
                     Layout.columnSpan: 2
                     primary: false
                     implicitHeight: 34
@@ -200,6 +200,29 @@ ThemedWindow {
                     color: Theme.textMuted
                     font.pixelSize: 12
                     Layout.leftMargin: 48
+                }
+                RowLayout {
+                    Layout.leftMargin: 48
+                    Layout.topMargin: 6
+                    spacing: 10
+                    RowLabel { text: "Contact address" }
+                    AeroTextField {
+                        objectName: "geocodeContact"
+                        Layout.preferredWidth: 260
+                        implicitHeight: 34
+                        font.pixelSize: 13
+                        placeholderText: "you@example.com"
+                        text: Prefs.stringValue("ingest.geocodeContact")
+                        onEditingFinished: Prefs.setValue("ingest.geocodeContact", text.trim())
+                    }
+                }
+                Text {
+                    Layout.leftMargin: 48
+                    Layout.fillWidth: true
+                    wrapMode: Text.WordWrap
+                    text: "OpenStreetMap asks every program that looks up places for a way to reach its user. No place is looked up until an address is given."
+                    color: Theme.textMuted
+                    font.pixelSize: 12
                 }
                 AeroSwitch {
                     Layout.topMargin: 10

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+/// @brief How a music track's file name reads in menus: "rock/03.Highway Run.mp3" reads
+/// "Highway Run  ·  rock" (extension and leading number dropped, folders after a middle dot).
+namespace TrackNames {
+
+[[nodiscard]] QString displayName(const QString &track);
+
+} // namespace TrackNames
