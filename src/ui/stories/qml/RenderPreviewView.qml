@@ -45,6 +45,10 @@ Item {
     }
     component Words: Text {
         Layout.fillWidth: true
+        // An empty line stays in its column at no height instead of being hidden: a wrapped text
+        // that first shows inside a layout keeps the one-line height it had before the layout
+        // narrowed it, and overlaps what follows.
+        Layout.preferredHeight: text !== "" ? implicitHeight : 0
         color: Theme.textMuted
         font.pixelSize: 12
         wrapMode: Text.WordWrap
@@ -114,8 +118,7 @@ Item {
             }
             Words {
                 objectName: "verticalNote"
-                visible: renderModel.verticalNote
-                text: "Vertical keeps the middle of every shot — the edges leave the frame, and it costs a little sharpness. For the sharpest vertical, make it in the desktop app from your originals."
+                text: renderModel.verticalNote ? "Vertical keeps the middle of every shot — the edges leave the frame, and it costs a little sharpness. For the sharpest vertical, make it in the desktop app from your originals." : ""
             }
 
             RowLayout {
@@ -195,14 +198,10 @@ Item {
                 }
             }
 
-            Text {
+            Words {
                 objectName: "renderNote"
-                Layout.fillWidth: true
-                visible: text !== ""
                 text: renderModel.note
                 color: Theme.danger
-                font.pixelSize: 12
-                wrapMode: Text.WordWrap
             }
         }
 
@@ -240,23 +239,15 @@ Item {
 
             VideoControls { Layout.fillWidth: true; playback: renderModel.playback }
 
-            Text {
+            Words {
                 objectName: "staleLine"
-                Layout.fillWidth: true
-                visible: text !== ""
                 text: renderModel.staleLine
                 color: Theme.warm
-                font.pixelSize: 12
-                wrapMode: Text.WordWrap
             }
-            Text {
+            Words {
                 objectName: "errorLine"
-                Layout.fillWidth: true
-                visible: text !== ""
                 text: renderModel.errorLine
                 color: Theme.danger
-                font.pixelSize: 12
-                wrapMode: Text.WordWrap
             }
             VideoTags {
                 objectName: "renderTags"
