@@ -28,7 +28,8 @@ RenderPlayback::~RenderPlayback()
 
 QUrl RenderPlayback::stampedUrl(const APIClient &client, const QString &path, const QString &stamp)
 {
-    // Everything but letters and digits is escaped, the unreserved marks included.
+    // Everything but letters and digits is escaped. (QUrl writes "-", ".", "_" and "~" back
+    // plain, which RFC 3986 makes the same address.)
     const QByteArray encoded = QUrl::toPercentEncoding(stamp, QByteArray(), QByteArrayLiteral("-._~"));
     return QUrl(client.baseString() + QLatin1Char('/') + path + QStringLiteral("?t=") + QString::fromLatin1(encoded));
 }

@@ -8,7 +8,7 @@
 // - `renderSheet`: given storyId, storyTitle, storyVertical and client; `done()` closes it, and
 //   `renderRefresh` counts the closings so a history of videos can reload.
 // - `historySection`: the story's videos under the cut list, given storyId, storyTitle and
-//   refreshKey (`renderRefresh`).
+//   refreshKey (`renderRefresh`); left out while its `hasVideos` is false.
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -92,6 +92,7 @@ Rectangle {
                 onClicked: content.showPreview = true
             }
             StoryButton {
+                objectName: "createVideoButton"
                 text: "Create"
                 visible: content.renderSheet !== null
                 enabled: content.reel.itemCount > 0
@@ -153,7 +154,7 @@ Rectangle {
         Loader {
             Layout.fillWidth: true
             Layout.bottomMargin: 16
-            visible: item !== null && item.visible
+            visible: item !== null && item.hasVideos !== false
             active: content.historySection !== null
             sourceComponent: content.historySection
             onLoaded: {

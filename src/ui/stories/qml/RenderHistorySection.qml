@@ -21,8 +21,9 @@ ColumnLayout {
     property var sharing: null
     property int deleting: -1
 
+    /// Whether there is anything to list; the story screen leaves the section out otherwise.
+    readonly property bool hasVideos: history.count > 0
     spacing: 8
-    visible: history.count > 0
 
     RenderHistoryModel {
         id: history
@@ -60,6 +61,7 @@ ColumnLayout {
             required property bool shared
             required property url posterUrl
             objectName: "video-" + index
+            function play() { section.watching = { row: index, renderId: renderId } }
             width: 250
             height: list.height - 12
             radius: 10
@@ -91,7 +93,7 @@ ColumnLayout {
                         anchors.fill: parent
                         cursorShape: Qt.PointingHandCursor
                         Accessible.name: "Play"
-                        onClicked: section.watching = { row: card.index, renderId: card.renderId }
+                        onClicked: card.play()
                     }
                 }
                 RowLayout {
@@ -143,6 +145,7 @@ ColumnLayout {
     }
 
     StorySheet {
+        id: playerSheet
         objectName: "videoPlayerSheet"
         parent: Overlay.overlay
         header: null
@@ -150,19 +153,20 @@ ColumnLayout {
         visible: section.watching !== null
         onClosed: section.watching = null
         contentItem: Loader {
-            active: section.watching !== null
+            active: playerSheet.visible
             sourceComponent: RenderPlayerView {
                 store: section.store
                 storyId: section.storyId
                 storyTitle: section.storyTitle
                 videoId: section.watching ? section.watching.renderId : ""
                 entry: section.watching ? history.entryAt(section.watching.row) : null
-                onDone: section.watching = null
+                onDone: playerSheet.close()
             }
         }
     }
 
     StorySheet {
+        id: shareSheet
         objectName: "videoShareSheet"
         parent: Overlay.overlay
         header: null
@@ -170,7 +174,7 @@ ColumnLayout {
         visible: section.sharing !== null
         onClosed: section.sharing = null
         contentItem: Loader {
-            active: section.sharing !== null
+            active: shareSheet.visible
             sourceComponent: ShareReelSheet {
                 store: section.store
                 desktop: section.desktop
@@ -179,7 +183,7 @@ ColumnLayout {
                 videoId: section.sharing ? section.sharing.renderId : ""
                 existing: section.sharing ? history.shareFor(section.sharing.renderId) : null
                 onLinkChanged: (share) => history.setShare(videoId, share)
-                onDone: section.sharing = null
+                onDone: shareSheet.close()
             }
         }
     }
