@@ -1,6 +1,5 @@
 // The share sheet's model against the real library's links and suggestions; the proxy in front
 // of it stands in for a library that refuses or answers oddly.
-#include "DesktopHandoff.h"
 #include "ShareSheetModel.h"
 #include "VideosFixture.h"
 
@@ -9,20 +8,6 @@
 using nlohmann::json;
 
 namespace {
-
-/// The desktop, as far as the sheet can tell: what it was handed.
-class HandedOver : public DesktopHandoff
-{
-public:
-    QStringList copied;
-    void copyText(const QString &text) override { copied.append(text); }
-    void emailLink(const QUrl &, const QString &) override {}
-    void openLink(const QUrl &) override {}
-    void emailFile(const QString &, const QString &) override {}
-    void showFile(const QString &) override {}
-    void openFile(const QString &) override {}
-    QString keepInVideos(const QString &) override { return {}; }
-};
 
 class ShareSheet : public VideosFixture
 {

@@ -1,11 +1,27 @@
 #pragma once
 
+#include "DesktopHandoff.h"
 #include "MpvPlayer.h"
 #include "StoriesFixture.h"
 
 #include <QThread>
 
 #include <set>
+
+/// @brief The desktop, as far as the video screens can tell: what they copied. Mail, browser and
+/// file manager are proven against stand-ins on a private bus in the desktop share test.
+class HandedOver : public DesktopHandoff
+{
+public:
+    QStringList copied;
+    void copyText(const QString &text) override { copied.append(text); }
+    void emailLink(const QUrl &, const QString &) override {}
+    void openLink(const QUrl &) override {}
+    void emailFile(const QString &, const QString &) override {}
+    void showFile(const QString &) override {}
+    void openFile(const QString &) override {}
+    QString keepInVideos(const QString &) override { return {}; }
+};
 
 /// @brief The stories' library with made videos: stories the real server renders, players that
 /// really play them (headless), and a wait at the end for any video still being made, since the

@@ -3,7 +3,6 @@
 // and from the hub. Pictures in both palettes go to <build>/screenshots; with
 // AEROLOOM_VIDEO_GL=1 on the virtual display the video is drawn with OpenGL ("-gl" pictures).
 #include "AuthedImageItem.h"
-#include "DesktopHandoff.h"
 #include "ImageCache.h"
 #include "Preferences.h"
 #include "QuickShots.h"
@@ -34,20 +33,6 @@ bool withOpenGL()
 {
     return qEnvironmentVariable("AEROLOOM_VIDEO_GL") == QLatin1String("1");
 }
-
-/// The desktop, as far as the screens can tell.
-class HandedOver : public DesktopHandoff
-{
-public:
-    QStringList copied;
-    void copyText(const QString &text) override { copied.append(text); }
-    void emailLink(const QUrl &, const QString &) override {}
-    void openLink(const QUrl &) override {}
-    void emailFile(const QString &, const QString &) override {}
-    void showFile(const QString &) override {}
-    void openFile(const QString &) override {}
-    QString keepInVideos(const QString &) override { return {}; }
-};
 
 class VideosView : public VideosFixture
 {
