@@ -123,7 +123,10 @@ TEST_F(StoriesHub, ANewOrDraftedStoryOpensAndOneMadeElsewhereIsListed)
     navigator.openStory(QString::fromStdString(elsewhere));
     EXPECT_EQ(navigator.section(), "reels");
     EXPECT_EQ(navigator.openedStoryId().toStdString(), elsewhere);
-    ASSERT_TRUE(waitUntil([&] { return store->summary(QString::fromStdString(elsewhere)).has_value(); }));
+    // The whole reload, videos included, has to end before the count below means anything.
+    ASSERT_TRUE(waitUntil([&] {
+        return store->summary(QString::fromStdString(elsewhere)).has_value() && !store->loading();
+    }));
 
     // Deleting asks for the videos again: they went with the story.
     const int rendersAsked = proxy->count("GET", "/api/renders");
