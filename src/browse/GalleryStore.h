@@ -134,6 +134,8 @@ public:
     /// "error", "loading" or "content": what the section shows.
     [[nodiscard]] QString screen() const;
     [[nodiscard]] QString openedId() const { return m_opened ? m_opened->id : QString(); }
+    /// The flight last opened, for the player.
+    [[nodiscard]] const std::optional<Flight> &opened() const { return m_opened; }
     [[nodiscard]] bool selecting() const { return m_selecting; }
     void setSelecting(bool on);
     [[nodiscard]] int selectedCount() const { return int(m_selected.size()); }

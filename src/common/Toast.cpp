@@ -1,14 +1,16 @@
 #include "Toast.h"
 
-#include <QTimer>
+#include "Clock.h"
 
 Toast::Toast(std::chrono::milliseconds stand, QObject *parent) : QObject(parent), m_stand(stand) {}
+
+Toast::Toast(Clock *clock, QObject *parent) : QObject(parent), m_clock(clock) {}
 
 void Toast::show(const QString &text)
 {
     setText(text);
     // Each message has its own timer; only the one whose text still stands clears it.
-    QTimer::singleShot(m_stand, Qt::PreciseTimer, this, [this, text] {
+    Clock::orSystem(m_clock).after(m_stand, this, [this, text] {
         if (m_text == text)
             setText(QString());
     });

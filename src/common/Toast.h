@@ -5,10 +5,13 @@
 
 #include <chrono>
 
+class Clock;
+
 /// @brief A short message on a screen: it stands for a while and then clears itself, but only
 /// if it still holds the same text, so a later message keeps its full time.
 ///
-/// The standing time is given at construction so tests can prove the rule in milliseconds.
+/// The standing time, or the clock it is measured on, is given at construction so tests can
+/// prove the rule in milliseconds.
 class Toast : public QObject
 {
     Q_OBJECT
@@ -17,6 +20,8 @@ public:
     static constexpr std::chrono::milliseconds standTime{1600};
 
     explicit Toast(std::chrono::milliseconds stand = standTime, QObject *parent = nullptr);
+    /// Stands the usual time, measured on `clock` (null: the event loop's).
+    explicit Toast(Clock *clock, QObject *parent = nullptr);
 
     /// Empty while nothing is shown.
     [[nodiscard]] QString text() const { return m_text; }
@@ -33,6 +38,7 @@ Q_SIGNALS:
 private:
     void setText(const QString &text);
 
-    std::chrono::milliseconds m_stand;
+    std::chrono::milliseconds m_stand = standTime;
+    Clock *m_clock = nullptr;
     QString m_text;
 };

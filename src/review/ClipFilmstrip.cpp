@@ -46,8 +46,10 @@ ClipFilmstrip::Span ClipFilmstrip::range() const
 {
     const double pad = std::max(2.0, (m_saved.end - m_saved.start) * 0.5);
     Span span{std::max(0.0, m_saved.start - pad), m_saved.end + pad};
-    if (const double length = m_engine->assetDuration(); std::isfinite(length) && length > m_saved.end)
-        span.end = std::min(span.end, length);
+    // A clip that runs to the video's last frame (a suggestion often does) leaves no room after
+    // it: nothing past the end has frames to show.
+    if (const double length = m_engine->assetDuration(); std::isfinite(length))
+        span.end = std::min(span.end, std::max(length, m_saved.end));
     return span;
 }
 

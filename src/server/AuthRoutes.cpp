@@ -72,7 +72,7 @@ namespace Routes {
 
 bool isPublic(const httplib::Request &req)
 {
-    return req.path.rfind("/api/auth/device/", 0) == 0 || req.path.rfind("/auth/device/", 0) == 0
+    return req.path.rfind("/api/auth/device/", 0) == 0 || req.path.rfind("/auth/device/", 0) == 0 || isWebPage(req)
         || isSharePage(req);
 }
 

@@ -1,5 +1,7 @@
 #include "Authenticator.h"
 
+#include "WebSessionScope.h"
+
 #include <httplib.h>
 
 #include <QByteArray>
@@ -70,6 +72,8 @@ std::optional<std::string> Authenticator::identify(const httplib::Request &reque
     case AuthMode::Token:
         if (const auto token = bearer(request))
             return m_tokens.lookup(*token);
+        if (!WebSessionScope::covers(request))
+            return std::nullopt;
         if (const auto session = cookie(request, sessionCookie))
             return m_tokens.lookupSession(*session, m_config.now());
         return std::nullopt;

@@ -13,7 +13,8 @@ struct Request;
 /// @brief Decides who sends a request, by the mode the server was started with.
 ///
 /// `none` lets everyone in; `basic` takes the one user and password; `token` takes Bearer
-/// tokens and the web-session cookie that a token can be traded for.
+/// tokens, and the web-session cookie that a token can be traded for where `WebSessionScope`
+/// lets it in.
 class Authenticator
 {
 public:

@@ -121,6 +121,26 @@ bool FlightIndex::setClips(const std::string &id, const std::string &clips)
     return m_db.prepare("UPDATE flights SET clips=? WHERE id=?").bind(1, clips).bind(2, id).run();
 }
 
+bool FlightIndex::updateEntry(const std::string &id, std::int64_t bytes,
+                              const std::function<void(nlohmann::ordered_json &)> &change)
+{
+    bool ok = false;
+    {
+        auto guard = m_db.lock();
+        auto st = m_db.prepare("SELECT entry FROM flights WHERE id=?");
+        st.bind(1, id);
+        if (!st.step())
+            return false;
+        auto entry = nlohmann::ordered_json::parse(st.text(0), nullptr, false);
+        if (!entry.is_object())
+            return false;
+        change(entry);
+        ok = m_db.prepare("UPDATE flights SET entry=?, bytes=? WHERE id=?").bind(1, entry.dump()).bind(2, bytes).bind(3, id).run();
+    }
+    changed();
+    return ok;
+}
+
 std::vector<FlightIndex::Row> FlightIndex::withClips()
 {
     auto guard = m_db.lock();

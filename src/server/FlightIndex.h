@@ -2,7 +2,10 @@
 
 #include "Database.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -46,6 +49,9 @@ public:
     /// False when there is no such flight.
     bool setHidden(const std::string &id, bool hidden);
     bool setClips(const std::string &id, const std::string &clips);
+    /// Changes a flight's manifest entry in place and sets its size; false when there is no such flight.
+    bool updateEntry(const std::string &id, std::int64_t bytes,
+                     const std::function<void(nlohmann::ordered_json &entry)> &change);
     /// Flights with clips, in id order: id, manifest entry, clips.
     [[nodiscard]] std::vector<Row> withClips();
 

@@ -7,6 +7,7 @@
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
+#include "Proxy480Maker.h"
 #include "RenderQueue.h"
 #include "Reply.h"
 #include "Routes.h"
@@ -42,6 +43,7 @@ struct LibraryServer::Impl {
     std::unique_ptr<DeviceSignIn> device;
     std::unique_ptr<MusicMaker> music;
     std::unique_ptr<FlightAnalyst> analyst;
+    std::unique_ptr<Proxy480Maker> proxies;
     std::unique_ptr<RenderQueue> renders;
     std::unique_ptr<ServerContext> context;
     httplib::Server http;
@@ -166,6 +168,7 @@ void LibraryServer::Impl::routes()
     Routes::addAutoreel(http, *context);
     Routes::addSamples(http, *context);
     Routes::addMusic(http, *context);
+    Routes::addTheater(http, *context);
     Routes::addRenders(http, *context);
     Routes::addShares(http, *context);
     Routes::addSuggest(http, *context);
@@ -211,9 +214,10 @@ Result<void> LibraryServer::open()
     d->music = std::make_unique<MusicMaker>(*d->library);
     d->analyst =
         std::make_unique<FlightAnalyst>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
+    d->proxies = std::make_unique<Proxy480Maker>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
     d->renders = std::make_unique<RenderQueue>(d->config, *d->library, *d->db, *d->music);
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
-                                       *d->auth, *d->device, *d->music, *d->analyst, *d->renders});
+                                       *d->auth, *d->device, *d->music, *d->analyst, *d->proxies, *d->renders});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
     // Without them (no ffmpeg, say) the library still serves: that is said, not fatal.
     if (fresh && d->config.samples) {
@@ -264,6 +268,8 @@ Result<int> LibraryServer::start()
                            .arg(where, QString::fromUtf8(error ? std::strerror(error) : "the address is not usable"))};
     }
     d->thread = std::thread([this] { d->http.listen_after_bind(); });
+    if (d->config.lightProxies)
+        d->proxies->start();
     // A stop() before the loop runs would be lost, so start() returns only once it serves.
     while (!d->http.is_running())
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -282,6 +288,8 @@ void LibraryServer::stop()
         d->http.stop();
         d->thread.join();
     }
+    if (d->proxies)
+        d->proxies->stop();
     d->unlock();
 }
 

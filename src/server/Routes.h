@@ -43,9 +43,14 @@ void addSuggest(httplib::Server &server, ServerContext &ctx);
 void forgetStoryVideos(ServerContext &ctx, const std::string &projectId);
 /// Paths of the public share pages.
 [[nodiscard]] bool isSharePage(const httplib::Request &req);
+/// theater.html, the 3D page of a flight, and web/<file>, the scripts and styles of the pages.
+void addTheater(httplib::Server &server, ServerContext &ctx);
 
 /// Streams a file, honouring one byte range (206) and refusing one past the end (416).
 void serveFile(const httplib::Request &req, httplib::Response &res, const std::filesystem::path &file);
-/// Paths that answer without credentials: the sign-in of a device and its link.
+/// Paths that answer without credentials: the sign-in of a device and its link, and the web
+/// pages (which ask a visitor without a session to sign in themselves).
 [[nodiscard]] bool isPublic(const httplib::Request &req);
+/// The library's web pages and their scripts.
+[[nodiscard]] bool isWebPage(const httplib::Request &req);
 }

@@ -45,6 +45,8 @@ void addSamples(httplib::Server &server, ServerContext &ctx)
             else
                 fs::rename(ctx.library.flight(id), ctx.library.parked(id), ec);
         }
+        if (restored > 0)
+            ctx.proxies.nudge();
         Reply::json(res, {{"restored", restored}});
     });
 }

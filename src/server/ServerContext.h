@@ -7,6 +7,7 @@
 #include "FlightIndex.h"
 #include "Library.h"
 #include "MusicMaker.h"
+#include "Proxy480Maker.h"
 #include "RenderQueue.h"
 #include "ServerConfig.h"
 #include "StagingArea.h"
@@ -24,5 +25,6 @@ struct ServerContext {
     DeviceSignIn &device;
     MusicMaker &music;
     FlightAnalyst &analyst;
+    Proxy480Maker &proxies;
     RenderQueue &renders;
 };

@@ -51,9 +51,10 @@ QString ffprobe()
     return ToolLocator::ffprobe().value_or(QString());
 }
 
-Result<void> run(const QString &program, const QStringList &arguments, std::chrono::milliseconds timeout)
+Result<void> run(const QString &program, const QStringList &arguments, std::chrono::milliseconds timeout,
+                 std::stop_token cancel)
 {
-    const auto result = runChild(program, arguments, {}, {}, timeout);
+    const auto result = runChild(program, arguments, {}, std::move(cancel), timeout);
     if (!result)
         return result.failure();
     return {};

@@ -20,7 +20,8 @@ namespace ToolRun {
 [[nodiscard]] QString ffprobe();
 /// Runs a tool to its end; a failure carries the tool's last words on stderr.
 [[nodiscard]] Result<void> run(const QString &program, const QStringList &arguments,
-                               std::chrono::milliseconds timeout = std::chrono::minutes(5));
+                               std::chrono::milliseconds timeout = std::chrono::minutes(5),
+                               std::stop_token cancel = {});
 /// The same, giving what the tool wrote on standard output.
 [[nodiscard]] Result<QByteArray> output(const QString &program, const QStringList &arguments,
                                         std::chrono::milliseconds timeout = std::chrono::minutes(1));

@@ -69,6 +69,7 @@ void addUpload(httplib::Server &server, ServerContext &ctx)
         if (!outcome.ok())
             return Reply::error(res, outcome.status, outcome.detail);
         const auto analysed = ctx.analyst.analyse(*id);
+        ctx.proxies.nudge();
         Reply::json(res, {{"analysis", analysed.text()}});
     });
 

@@ -24,6 +24,7 @@
 #include "Preferences.h"
 #include "ReelsHubModel.h"
 #include "ReelsStore.h"
+#include "ReviewSession.h"
 #include "ReviewTypes.h"
 #include "SingleInstance.h"
 #include "StoriesTypes.h"
@@ -32,6 +33,10 @@
 #include "SystemColorScheme.h"
 #include "Theme.h"
 #include "StorageSettingsModel.h"
+#include "TheaterController.h"
+#include "TheaterTypes.h"
+#include "TheaterWebEngine.h"
+#include "TileMath.h"
 #include "ThemeManager.h"
 #include "TrimSheetModel.h"
 #include "UiServices.h"
@@ -53,6 +58,8 @@
 int main(int argc, char *argv[])
 {
     const qint64 startedMs = QDateTime::currentMSecsSinceEpoch();
+    // The theater's web view shares OpenGL with the windows: set up before the application.
+    initializeWebEngine();
     QGuiApplication app(argc, argv);
     QGuiApplication::setOrganizationName(QStringLiteral("Aeroloom"));
     QGuiApplication::setApplicationName(QStringLiteral("Aeroloom"));
@@ -208,6 +215,49 @@ int main(int argc, char *argv[])
     // The cut window makes its own model each time it opens, from the session of the moment.
     CutFlowFactory cutFlows(appModel, prefs);
     registerCuttingTypes(cutFlows);
+
+    // The 3D theater of a flight, over the main window: `theater.open(flightId)` shows it (the
+    // player's "3D" button), and so does the development entry SPIKE_FLIGHT with SPIKE_THEATER=1.
+    TheaterController theater(appModel.client(), [&] {
+        return TheaterController::PageOptions{units.metric(), TileMath::baseMapTemplate(gallery.tileHost(), theme.dark())};
+    });
+    QObject::connect(&appModel, &AppModel::clientChanged, &theater, [&] { theater.setClient(appModel.client()); });
+    // Signed out, the sign-in view shows and no theater over it; signing in brings the
+    // development entry's flight back.
+    const auto spikeFlight = TheaterController::spikeFlight(appModel.environment());
+    QObject::connect(&appModel, &AppModel::loggedInChanged, &theater, [&] {
+        if (!appModel.loggedIn())
+            theater.close();
+        else if (spikeFlight)
+            theater.open(*spikeFlight);
+    });
+    if (spikeFlight && appModel.loggedIn())
+        theater.open(*spikeFlight);
+    registerTheaterTypes();
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Theater", &theater);
+    // The flight player: one open flight at a time, from the gallery or the development entry.
+    // Preferences are read as each player opens.
+    ReviewSession review(appModel.client(), [] { return new MpvPlayer(); }, [&] {
+        PlayerModel::Setup setup;
+        setup.hq = playback.hq();
+        setup.metric = units.metric();
+        setup.spikeMarks = qEnvironmentVariable("SPIKE_MARK") == QLatin1String("1");
+        return setup;
+    });
+    QObject::connect(&appModel, &AppModel::clientChanged, &review, [&] { review.setClient(appModel.client()); });
+    QObject::connect(&units, &UnitsPref::metricChanged, &review, [&] { review.setMetric(units.metric()); });
+    QObject::connect(&gallery, &GalleryStore::flightOpened, &review, [&] {
+        if (gallery.opened())
+            review.open(*gallery.opened());
+    });
+    QObject::connect(&review, &ReviewSession::theaterRequested, &theater, &TheaterController::open);
+    // SPIKE_FLIGHT alone opens the player; with SPIKE_THEATER=1 the theater took it above.
+    const QString spikePlayerFlight = qEnvironmentVariable("SPIKE_FLIGHT");
+    if (appModel.loggedIn() && !spikePlayerFlight.isEmpty() && !spikeFlight) {
+        review.setDebugFlightId(spikePlayerFlight);
+        review.openById(spikePlayerFlight);
+    }
+    qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Review", &review);
 
     QQmlApplicationEngine engine;
     QObject::connect(&engine, &QQmlApplicationEngine::objectCreationFailed, &app,

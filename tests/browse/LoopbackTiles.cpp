@@ -63,6 +63,8 @@ LoopbackTiles::LoopbackTiles() : d(std::make_unique<Impl>())
                                         std::stoi(req.matches[4]));
         ++d->served;
         res.set_header("Cache-Control", "max-age=3600");
+        // As the public host does: a web page may draw the tiles into WebGL only with this.
+        res.set_header("Access-Control-Allow-Origin", "*");
         res.set_content(png.toStdString(), "image/png");
     });
     d->port = d->server.bind_to_any_port("127.0.0.1");

@@ -5,7 +5,8 @@
 #include <memory>
 
 /// @brief A loopback stand-in for the public raster tile host: answers "/<style>/<z>/<x>/<y>@2x.png"
-/// with a drawn 512-pixel tile (coast, grid and its address), dark for "dark_all", light otherwise.
+/// with a drawn 512-pixel tile (coast, grid and its address), dark for "dark_all", light otherwise,
+/// open to pages of any origin (CORS) like the public host.
 class LoopbackTiles
 {
 public:

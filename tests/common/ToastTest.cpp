@@ -1,6 +1,7 @@
 #include "Toast.h"
 
 #include "CoroTest.h"
+#include "ManualClock.h"
 
 #include <gtest/gtest.h>
 
@@ -22,4 +23,26 @@ TEST(Toast, ALaterMessageKeepsItsFullTime)
     EXPECT_EQ(toast.text(), "Trimmed");
     ASSERT_TRUE(waitUntil([&] { return toast.text().isEmpty(); }, 2000));
     EXPECT_GE(clock.elapsed() - second, 140);  // timers may fire a few per cent early
+}
+
+TEST(Toast, StandsItsFullTimeOnAHandMovedClock)
+{
+    ManualClock clock;
+    Toast toast(&clock);
+    toast.show("Clip saved");
+    clock.advance(1599ms);
+    EXPECT_EQ(toast.text(), "Clip saved");
+    clock.advance(1ms);
+    EXPECT_EQ(toast.text(), "");
+
+    // A second message within the time replaces the first and gets its own 1.6 s.
+    toast.show("Deleted");
+    clock.advance(1000ms);
+    toast.show("Save failed — check connection");
+    clock.advance(600ms);
+    EXPECT_EQ(toast.text(), "Save failed — check connection") << "the first one's end clears nothing";
+    clock.advance(999ms);
+    EXPECT_EQ(toast.text(), "Save failed — check connection");
+    clock.advance(1ms);
+    EXPECT_EQ(toast.text(), "");
 }

@@ -257,4 +257,7 @@ TEST(ClipFilmstrip, FramesCoverTheStripAtLeastSix)
     // Once the video's length is known the strip ends there.
     rig.player->setDuration(22);
     EXPECT_EQ(rig.strip.rangeEnd(), 22);
+    // A clip that runs to the video's last frame has nothing after it.
+    rig.player->setDuration(20);
+    EXPECT_EQ(rig.strip.rangeEnd(), 20);
 }

@@ -111,14 +111,16 @@ TEST(Auth, TokenTakesIssuedTokensOnly)
     EXPECT_EQ(jsonOf(client->Get("/api/me", good))["email"], "pilot@example.org");
     EXPECT_EQ(client->Get("/api/flights", good)->status, 200);
 
-    // A web session trades the token for a cookie that opens the same doors.
+    // A web session trades the token for a cookie that opens the 3D page and its media, and
+    // nothing else (TheaterTest has the whole of it).
     const auto session = jsonOf(client->Post("/api/auth/session", good));
     ASSERT_TRUE(session.is_object());
     EXPECT_EQ(session["cookie"], "aeroloom_session");
     EXPECT_EQ(session["maxAge"], 12 * 3600);
     const std::string cookie = session["cookie"].get<std::string>() + "=" + session["token"].get<std::string>();
-    EXPECT_EQ(client->Get("/manifest.json", {{"Cookie", "theme=dark; " + cookie}})->status, 200);
-    EXPECT_EQ(client->Get("/manifest.json", {{"Cookie", cookie + "x"}})->status, 401);
+    EXPECT_EQ(client->Get("/theater.html?id=x", {{"Cookie", "theme=dark; " + cookie}})->status, 200);
+    EXPECT_EQ(client->Get("/theater.html?id=x", {{"Cookie", cookie + "x"}})->status, 401);
+    EXPECT_EQ(client->Get("/manifest.json", {{"Cookie", cookie}})->status, 401);
     // The token itself is not stored in the library (database and its write-ahead log), only
     // its digest.
     for (const auto &entry : fs::directory_iterator(server.library())) {

@@ -20,6 +20,7 @@ TestServer::TestServer(const Adjust &adjust)
     config.port = 0;
     config.samples = false;
     config.log = false;
+    config.lightProxies = false;
     if (adjust)
         adjust(config);
     m_server = std::make_unique<LibraryServer>(config);

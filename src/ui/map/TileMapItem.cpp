@@ -291,7 +291,15 @@ void TileMapItem::paint(QPainter *painter)
     drawTiles(painter);
     drawMarkers(painter);
     drawTitles(painter, clusters());
+    paintOverlay(painter);
     drawAttribution(painter);
+}
+
+void TileMapItem::componentComplete()
+{
+    QQuickPaintedItem::componentComplete();
+    // Made here, on the GUI thread: with a threaded scene graph `paint()` runs on the render thread.
+    loader();
 }
 
 QRectF TileMapItem::titleRect(const QString &id) const
@@ -345,16 +353,19 @@ void TileMapItem::drawTitles(QPainter *painter, const QList<PinClusters::Cluster
 
 void TileMapItem::drawTiles(QPainter *painter)
 {
-    if (m_urlTemplate.isEmpty())
+    if (m_urlTemplate.isEmpty() || !m_loader)
         return;
     painter->setRenderHint(QPainter::SmoothPixmapTransform, true);
-    TileLoader *tiles = loader();
+    TileLoader *tiles = m_loader;
+    QStringList wanted;
     for (const TileMath::TileRef &ref : TileMath::visibleTiles(m_camera, viewSize())) {
-        const QImage image = tiles->tile(TileMath::tileUrl(m_urlTemplate, ref.z, ref.x, ref.y));
+        const QString url = TileMath::tileUrl(m_urlTemplate, ref.z, ref.x, ref.y);
+        const QImage image = tiles->cached(url);
         if (!image.isNull()) {
             painter->drawImage(ref.rect, image);
             continue;
         }
+        wanted.append(url);
         // Until it arrives, stretch the part of a coarser tile that is already at hand.
         for (int up = 1; up <= 3 && ref.z - up >= 0; ++up) {
             const QImage parent = tiles->cached(TileMath::tileUrl(m_urlTemplate, ref.z - up, ref.x >> up, ref.y >> up));
@@ -368,6 +379,12 @@ void TileMapItem::drawTiles(QPainter *painter)
             break;
         }
     }
+    // Requests leave from the loader's own thread, whichever thread paints.
+    if (!wanted.isEmpty())
+        QMetaObject::invokeMethod(tiles, [tiles, wanted] {
+            for (const QString &url : wanted)
+                (void)tiles->tile(url);
+        }, Qt::QueuedConnection);
 }
 
 void TileMapItem::drawMarkers(QPainter *painter)

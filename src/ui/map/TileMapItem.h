@@ -73,12 +73,13 @@ public:
     /// What a press at (x, y) would hit: a pin's id, "cluster:<n>" or "".
     Q_INVOKABLE QString hitAt(double x, double y) const;
     /// Presses at (x, y) as a pointer would.
-    Q_INVOKABLE void pressAt(double x, double y);
+    Q_INVOKABLE virtual void pressAt(double x, double y);
     /// Where the title of the pin `id` is drawn now, empty when it isn't (clustered, no title,
     /// or no room beside the other titles).
     Q_INVOKABLE QRectF titleRect(const QString &id) const;
 
     void paint(QPainter *painter) override;
+    void componentComplete() override;
 
 Q_SIGNALS:
     void urlTemplateChanged();
@@ -97,10 +98,15 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
+    /// Items built on the map draw their own layer here: over the tiles and pins, under the
+    /// attribution.
+    virtual void paintOverlay(QPainter *) {}
+    void animateTo(const TileMath::Camera &target);
+    [[nodiscard]] TileMath::Camera camera() const { return m_camera; }
+    [[nodiscard]] QSizeF viewSize() const { return {width(), height()}; }
+
 private:
     void changeCamera(const TileMath::Camera &camera);
-    void animateTo(const TileMath::Camera &target);
-    [[nodiscard]] QSizeF viewSize() const { return {width(), height()}; }
     [[nodiscard]] QList<PinClusters::Cluster> clusters() const;
     struct Title {
         int pin;

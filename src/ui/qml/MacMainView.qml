@@ -153,4 +153,7 @@ Item {
             section: mainView.section
         }
     }
+
+    // An opened flight covers the whole view until the pilot goes back.
+    PlayerScreen { anchors.fill: parent }
 }

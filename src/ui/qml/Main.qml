@@ -3,6 +3,8 @@
 import QtQuick
 import QtQuick.Controls
 import Aeroloom.Services
+import Aeroloom.Review
+import "qrc:/aeroloom/review"
 
 ThemedWindow {
     id: main
@@ -59,6 +61,7 @@ ThemedWindow {
     Loader {
         anchors.fill: parent
         sourceComponent: !App.loggedIn ? loginScreen
+                       : Review.debugFlightId !== "" ? debugPlayer
                        : App.screenOverride === "reels" ? storiesOnly : mainView
     }
 
@@ -67,9 +70,22 @@ ThemedWindow {
         id: mainView
         MacMainView { onSettingsRequested: settingsWindow.open() }
     }
+    // The development entry: one flight's player alone, nothing until the flight is found.
+    Component {
+        id: debugPlayer
+        Rectangle { color: Theme.background; PlayerScreen { anchors.fill: parent } }
+    }
     Component {
         id: storiesOnly
         SectionView { section: "reels" }
+    }
+
+    // The 3D theater of a flight, over everything else in the main window.
+    Loader {
+        anchors.fill: parent
+        z: 10
+        active: Theater.active
+        sourceComponent: MacTheaterView { controller: Theater }
     }
 
     ImportWindow { id: importWindow; onShowMainRequested: main.open() }

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace {
 constexpr double handleWidth = 12;
 // A strip that is being resized waits this long before its frames are made again.
@@ -161,7 +163,9 @@ void ClipFilmstripView::paint(QPainter *painter)
 
 void ClipFilmstripView::paintHandle(QPainter *painter, double x, bool left) const
 {
-    const QRectF bar(left ? x - handleWidth : x, 0, handleWidth, height());
+    // A handle at the video's first or last frame steps inside the strip rather than off it.
+    const double barX = std::clamp(left ? x - handleWidth : x, 0.0, std::max(0.0, width() - handleWidth));
+    const QRectF bar(barX, 0, handleWidth, height());
     painter->setPen(Qt::NoPen);
     painter->setBrush(m_accent);
     painter->drawRoundedRect(bar, 4, 4);
