@@ -73,14 +73,15 @@ namespace Routes {
 bool isPublic(const httplib::Request &req)
 {
     return req.path.rfind("/api/auth/device/", 0) == 0 || req.path.rfind("/auth/device/", 0) == 0
-        || req.path.rfind("/api/auth/web/", 0) == 0 || isWebPage(req) || isAccountPage(req);
+        || req.path.rfind("/api/auth/web/", 0) == 0 || isWebPage(req) || isAccountPage(req) || isSharePage(req);
 }
 
 void addAuth(httplib::Server &server, ServerContext &ctx)
 {
     server.Get("/api/me", [&ctx](const httplib::Request &req, httplib::Response &res) {
         const std::string email = ctx.auth.identify(req).value_or("pilot@localhost");
-        Reply::json(res, {{"id", 1}, {"email", email}, {"admin", true}, {"plan", "local"}, {"ai", false}});
+        Reply::json(res, {{"id", 1}, {"email", email}, {"admin", true}, {"plan", "local"},
+                          {"ai", ctx.config.suggestions}});
     });
 
     // Only token sign-in has device sign-in: elsewhere the client is told "not supported" by a 404.

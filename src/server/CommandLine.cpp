@@ -22,6 +22,7 @@ const char *CommandLine::usage()
 {
     return "usage: aeroloom-server --library DIR [--listen HOST:PORT] [--auth none|basic|token]\n"
            "                       [--user U --password P] [--quota BYTES] [--no-samples]\n"
+           "                       [--no-suggestions]\n"
            "       aeroloom-server --library DIR token create [--email ADDRESS]\n";
 }
 
@@ -77,6 +78,8 @@ Result<CommandLine> CommandLine::parse(const std::vector<std::string> &args)
                 return usageError(QStringLiteral("--quota takes a number of bytes."));
         } else if (arg == "--no-samples") {
             out.config.samples = false;
+        } else if (arg == "--no-suggestions") {
+            out.config.suggestions = false;
         } else if (arg == "--email") {
             if (!value(out.email))
                 return usageError(QStringLiteral("--email needs an address."));

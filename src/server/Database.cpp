@@ -29,6 +29,14 @@ CREATE TABLE IF NOT EXISTS projects(
     id TEXT PRIMARY KEY, title TEXT NOT NULL, notes TEXT, items TEXT NOT NULL,
     created TEXT, updated TEXT, position INTEGER);
 CREATE TABLE IF NOT EXISTS settings(key TEXT PRIMARY KEY, value TEXT);
+CREATE TABLE IF NOT EXISTS renders(
+    id TEXT PRIMARY KEY, project TEXT NOT NULL, aspect TEXT NOT NULL, rendered TEXT NOT NULL,
+    millis INTEGER NOT NULL, bytes INTEGER NOT NULL, width INTEGER NOT NULL, height INTEGER NOT NULL,
+    settings TEXT NOT NULL, cut TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS shares(
+    token TEXT PRIMARY KEY, project TEXT NOT NULL, render TEXT NOT NULL, title TEXT NOT NULL,
+    description TEXT, created TEXT NOT NULL, views INTEGER NOT NULL DEFAULT 0,
+    hearts INTEGER NOT NULL DEFAULT 0);
 )sql";
 }
 

@@ -13,6 +13,7 @@
 /// tmp/            uploads in progress and files being built; emptied at start
 /// outbox/         sign-in mails, one file each
 /// music/          music beds
+/// renders/        story videos and their posters, <render id>.mp4 and .jpg
 class Library
 {
 public:
@@ -32,6 +33,7 @@ public:
     [[nodiscard]] std::filesystem::path tmp() const { return m_root / "tmp"; }
     [[nodiscard]] std::filesystem::path outbox() const { return m_root / "outbox"; }
     [[nodiscard]] std::filesystem::path music() const { return m_root / "music"; }
+    [[nodiscard]] std::filesystem::path renders() const { return m_root / "renders"; }
 
     /// A fresh, unused name under tmp/ (same file system as the rest, so renames are atomic).
     [[nodiscard]] std::filesystem::path tmpName(const std::string &suffix) const;

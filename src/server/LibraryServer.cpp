@@ -9,6 +9,7 @@
 #include "Library.h"
 #include "MusicMaker.h"
 #include "Proxy480Maker.h"
+#include "RenderQueue.h"
 #include "Reply.h"
 #include "RoutedServer.h"
 #include "Routes.h"
@@ -43,6 +44,7 @@ struct LibraryServer::Impl {
     std::unique_ptr<MusicMaker> music;
     std::unique_ptr<FlightAnalyst> analyst;
     std::unique_ptr<Proxy480Maker> proxies;
+    std::unique_ptr<RenderQueue> renders;
     std::unique_ptr<ServerContext> context;
     RoutedServer http;
     std::unique_ptr<ConnectionFront> front;
@@ -177,6 +179,10 @@ void LibraryServer::Impl::routes()
     Routes::addMusic(http, *context);
     Routes::addTheater(http, *context);
     Routes::addAccount(http, *context);
+    Routes::addRenders(http, *context);
+    Routes::addShares(http, *context);
+    Routes::addSuggest(http, *context);
+    Routes::addSharePage(http, *context);
 }
 
 LibraryServer::LibraryServer(ServerConfig config) : d(std::make_unique<Impl>())
@@ -219,8 +225,9 @@ Result<void> LibraryServer::open()
     d->analyst =
         std::make_unique<FlightAnalyst>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
     d->proxies = std::make_unique<Proxy480Maker>(*d->library, *d->flights, d->staging->folderLock(), d->config.log);
+    d->renders = std::make_unique<RenderQueue>(d->config, *d->library, *d->db, *d->music);
     d->context.reset(new ServerContext{d->config, *d->library, *d->db, *d->flights, *d->staging, *d->tokens,
-                                       *d->auth, *d->device, *d->music, *d->analyst, *d->proxies});
+                                       *d->auth, *d->device, *d->music, *d->analyst, *d->proxies, *d->renders});
     // Samples are made once, for a new library; a pilot who deleted them doesn't get them back.
     // Without them (no ffmpeg, say) the library still serves: that is said, not fatal.
     if (fresh && d->config.samples) {
@@ -276,6 +283,8 @@ void LibraryServer::stop()
 {
     if (d->analyst)
         d->analyst->stop();
+    if (d->renders)
+        d->renders->stop();
     if (d->front) {
         d->http.setServing(false);
         d->front->stop();

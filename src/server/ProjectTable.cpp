@@ -23,9 +23,25 @@ std::string timeText(const std::string &stored)
     return stored.substr(0, dot) + stored.substr(end);
 }
 
+std::string localText(std::chrono::system_clock::time_point when)
+{
+    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(when.time_since_epoch()).count();
+    return QDateTime::fromMSecsSinceEpoch(ms, Qt::LocalTime).toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss")).toStdString();
+}
+
 std::string newId()
 {
     return TokenStore::randomSecret().substr(0, 12);
+}
+
+std::optional<ProjectRow> find(Database &db, const std::string &id)
+{
+    auto guard = db.lock();
+    auto st = db.prepare("SELECT id, title, notes, items, created, updated FROM projects WHERE id=?");
+    st.bind(1, id);
+    if (!st.step())
+        return std::nullopt;
+    return ProjectRow{st.text(0), st.text(1), st.text(2), st.text(3), st.text(4), st.text(5)};
 }
 
 bool insert(Database &db, const ProjectRow &row)

@@ -46,6 +46,14 @@ bool hasBody(const httplib::Request &req)
     return req.has_header("Transfer-Encoding") || (req.has_header("Content-Length") && req.get_header_value("Content-Length") != "0");
 }
 
+std::string origin(const httplib::Request &req, const std::string &fallback)
+{
+    std::string host = req.get_header_value("Host");
+    if (host.empty() || host.find_first_of("/\\ \r\n\"'<>@?#") != std::string::npos)
+        host = fallback;
+    return "http://" + host;
+}
+
 std::optional<std::string> id(const httplib::Request &req, httplib::Response &res, int match)
 {
     std::string value = req.matches[match].str();

@@ -22,6 +22,9 @@ void error(httplib::Response &res, int status, const std::string &detail);
 void closeAfter(const httplib::Request &req);
 /// True when the request carries a body (a length above zero, or chunks).
 [[nodiscard]] bool hasBody(const httplib::Request &req);
+/// The address the client reached this server at, "http://" + its Host header; `fallback`
+/// ("host:port") when the header is missing or not a plain host.
+[[nodiscard]] std::string origin(const httplib::Request &req, const std::string &fallback);
 /// The id captured by a route, checked; answers 400 and gives nothing when it is unsafe.
 [[nodiscard]] std::optional<std::string> id(const httplib::Request &req, httplib::Response &res, int match = 1);
 }

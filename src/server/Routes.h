@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 namespace httplib {
 class Server;
@@ -29,6 +30,19 @@ void addAutoreel(httplib::Server &server, ServerContext &ctx);
 void addSamples(httplib::Server &server, ServerContext &ctx);
 /// api/music and music/<track>.
 void addMusic(httplib::Server &server, ServerContext &ctx);
+/// Story videos: api/projects/<id>/render and /renders, api/renders, the files under renders/.
+void addRenders(httplib::Server &server, ServerContext &ctx);
+/// Share links: api/shares, api/projects/<id>/shares.
+void addShares(httplib::Server &server, ServerContext &ctx);
+/// The public page of a share link and its media, under /s/<token>, without sign-in.
+void addSharePage(httplib::Server &server, ServerContext &ctx);
+/// api/projects/<id>/suggest: words proposed for a share's page.
+void addSuggest(httplib::Server &server, ServerContext &ctx);
+/// Removes the videos and links of a story (stopping a video of it being made); no lock of the
+/// database may be held.
+void forgetStoryVideos(ServerContext &ctx, const std::string &projectId);
+/// Paths of the public share pages.
+[[nodiscard]] bool isSharePage(const httplib::Request &req);
 /// theater.html, the 3D page of a flight, and web/<file>, the scripts and styles of the pages.
 void addTheater(httplib::Server &server, ServerContext &ctx);
 /// settings.html, the account page, with its API tokens and its sign-in; and the page files.

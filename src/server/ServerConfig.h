@@ -26,6 +26,7 @@ struct ServerConfig {
     std::chrono::milliseconds headDeadline{10000};  ///< from a request's first byte to its whole head
     Clock clock;                          ///< empty: the system clock (tests move time by hand)
     bool log = true;                      ///< one line per request on stderr
+    bool suggestions = true;              ///< proposes share page words; api/me says "ai"
     bool lightProxies = true;             ///< make each flight's proxy_480.mp4 in the background
 
     [[nodiscard]] std::chrono::system_clock::time_point now() const

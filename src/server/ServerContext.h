@@ -8,6 +8,7 @@
 #include "Library.h"
 #include "MusicMaker.h"
 #include "Proxy480Maker.h"
+#include "RenderQueue.h"
 #include "ServerConfig.h"
 #include "StagingArea.h"
 #include "TokenStore.h"
@@ -25,4 +26,5 @@ struct ServerContext {
     MusicMaker &music;
     FlightAnalyst &analyst;
     Proxy480Maker &proxies;
+    RenderQueue &renders;
 };

@@ -55,23 +55,13 @@ std::optional<std::pair<ordered_json, ordered_json>> storyBody(const httplib::Re
 
 using Story = ProjectRow;
 
-std::optional<Story> load(Database &db, const std::string &id)
-{
-    auto guard = db.lock();
-    auto st = db.prepare("SELECT id, title, notes, items, created, updated FROM projects WHERE id=?");
-    st.bind(1, id);
-    if (!st.step())
-        return std::nullopt;
-    return Story{st.text(0), st.text(1), st.text(2), st.text(3), st.text(4), st.text(5)};
-}
-
 /// The story named in the path; answers 400 or 404 and gives nothing when there is none.
 std::optional<Story> found(Database &db, const httplib::Request &req, httplib::Response &res)
 {
     const auto id = Reply::id(req, res);
     if (!id)
         return std::nullopt;
-    auto story = load(db, *id);
+    auto story = ProjectTable::find(db, *id);
     if (!story)
         Reply::error(res, 404, "There is no story " + *id);
     return story;
@@ -188,11 +178,16 @@ void addItem(httplib::Server &server, ServerContext &ctx)
     });
 
     server.Delete("/api/projects/([^/]+)", [&ctx](const httplib::Request &req, httplib::Response &res) {
-        auto guard = ctx.db.lock();
         const auto story = found(ctx.db, req, res);
         if (!story)
             return;
-        ctx.db.prepare("DELETE FROM projects WHERE id=?").bind(1, story->id).run();
+        {
+            auto guard = ctx.db.lock();
+            ctx.db.prepare("DELETE FROM projects WHERE id=?").bind(1, story->id).run();
+        }
+        // Its videos and their links go with it. This waits for a video of it being made to
+        // stop, so no lock of the database may be held here.
+        Routes::forgetStoryVideos(ctx, story->id);
         Reply::json(res, {{"deleted", story->id}});
     });
 

@@ -10,6 +10,7 @@ StoryDevHooks::StoryDevHooks(const QProcessEnvironment &environment, QObject *pa
             m_pending.insert(name);
     }
     m_story = environment.value(QStringLiteral("SPIKE_STORY")).trimmed();
+    m_renderDone = environment.value(QStringLiteral("SPIKE_RENDER_DONE")) == QLatin1String("1");
 }
 
 bool StoryDevHooks::take(const QString &aid)

@@ -8,6 +8,7 @@
 #include "ClipsBrowserStore.h"
 #include "CutFlowFactory.h"
 #include "CuttingTypes.h"
+#include "DesktopShare.h"
 #include "FileOpenRouter.h"
 #include "GalleryStore.h"
 #include "GeocodeClient.h"
@@ -207,6 +208,9 @@ int main(int argc, char *argv[])
     registerStoriesTypes();
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Reels", &storiesHub);
     qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Navigator", &navigator);
+    // Made videos and their links leave for the desktop's mail, browser and file manager here.
+    DesktopShare desktop;
+    qmlRegisterSingletonInstance("Aeroloom.Stories", 1, 0, "Desktop", &desktop);
 
     // The cut window makes its own model each time it opens, from the session of the moment.
     CutFlowFactory cutFlows(appModel, prefs);

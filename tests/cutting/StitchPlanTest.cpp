@@ -2,7 +2,6 @@
 // decide sizes and bit rates: all of it checked without running a tool.
 #include <SourceBitrate.h>
 #include <StitchPlan.h>
-#include <TrackNames.h>
 
 #include <gtest/gtest.h>
 
@@ -82,11 +81,4 @@ TEST(StitchPlan, FfprobeAnswersReadOrFallBack)
     EXPECT_EQ(SourceBitrate::fromOutput("64123456.7"), QStringLiteral("64123456"));
     EXPECT_EQ(SourceBitrate::fromOutput("N/A"), QStringLiteral("50000000"));
     EXPECT_EQ(SourceBitrate::fromOutput("\xff\xfe"), QStringLiteral("50000000"));
-}
-
-TEST(StitchPlan, TrackNamesReadAsWords)
-{
-    EXPECT_EQ(TrackNames::displayName("rock/03.Highway Run.mp3"), QStringLiteral("Highway Run  ·  rock"));
-    EXPECT_EQ(TrackNames::displayName("01.Dawn Patrol.m4a"), QStringLiteral("Dawn Patrol"));
-    EXPECT_EQ(TrackNames::displayName("a//b/v1.2.song.aac"), QStringLiteral("v1.2.song  ·  a/b"));
 }

@@ -43,6 +43,12 @@ Rectangle {
             trimModel: TrimSheet
             trimSheet: Component { TrimSheetView { model: TrimSheet } }
             thumbnail: Component { AuthedAsyncImage {} }
+            renderSheet: Component { RenderPreviewView { store: Reels.store; hooks: Reels.hooks; desktop: Desktop } }
+            historySection: Component {
+                RenderHistorySection { store: Reels.store; desktop: Desktop; thumbnail: Component { AuthedAsyncImage {} } }
+            }
+            videoSheet: Component { RenderPlayerView { store: Reels.store } }
+            shareSheet: Component { ShareReelSheet { store: Reels.store; desktop: Desktop } }
         }
     }
 }

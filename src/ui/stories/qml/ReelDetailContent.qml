@@ -7,6 +7,8 @@
 //   made once with this screen as its parent. Without them items have no trim button.
 // - `renderSheet`: given storyId, storyTitle, storyVertical and client; `done()` closes it, and
 //   `renderRefresh` counts the closings so a history of videos can reload.
+// - `historySection`: the story's videos under the cut list, given storyId, storyTitle and
+//   refreshKey (`renderRefresh`); left out while its `hasVideos` is false.
 import QtQuick
 import QtQuick.Controls
 import QtQuick.Layouts
@@ -20,6 +22,7 @@ Rectangle {
     property QtObject trimModel: null
     property Component trimSheet: null
     property Component renderSheet: null
+    property Component historySection: null
     signal backRequested()
     signal renderSheetClosed()
     color: Theme.background
@@ -89,6 +92,7 @@ Rectangle {
                 onClicked: content.showPreview = true
             }
             StoryButton {
+                objectName: "createVideoButton"
                 text: "Create"
                 visible: content.renderSheet !== null
                 enabled: content.reel.itemCount > 0
@@ -144,6 +148,19 @@ Rectangle {
                     onTrimRequested: content.trim(uid)
                     onRemoveRequested: content.reel.removeRow(index)
                 }
+            }
+        }
+
+        Loader {
+            Layout.fillWidth: true
+            Layout.bottomMargin: 16
+            visible: item !== null && item.hasVideos !== false
+            active: content.historySection !== null
+            sourceComponent: content.historySection
+            onLoaded: {
+                item.storyId = content.reel.storyId
+                item.storyTitle = Qt.binding(() => content.reel.title)
+                item.refreshKey = Qt.binding(() => content.renderRefresh)
             }
         }
     }

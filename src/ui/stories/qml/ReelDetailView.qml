@@ -14,6 +14,7 @@ Rectangle {
     property QtObject trimModel: null
     property Component trimSheet: null
     property Component renderSheet: null
+    property Component historySection: null
     signal backRequested()
     signal renderSheetClosed()
     color: Theme.background
@@ -53,6 +54,7 @@ Rectangle {
             trimModel: detailView.trimModel
             trimSheet: detailView.trimSheet
             renderSheet: detailView.renderSheet
+            historySection: detailView.historySection
             onBackRequested: detailView.backRequested()
             onRenderSheetClosed: detailView.renderSheetClosed()
         }

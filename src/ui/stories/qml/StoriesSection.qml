@@ -1,7 +1,7 @@
 // The "reels" section: the stories hub, or the story the navigator has open, and the toast.
 //
-// Screens made elsewhere come in from outside: `trimModel` with `trimSheet`, and `renderSheet`,
-// are described in ReelDetailContent;
+// Screens made elsewhere come in from outside: `trimModel` with `trimSheet`, `renderSheet` and
+// `historySection` are described in ReelDetailContent;
 // `videoSheet` plays a story's latest video and `shareSheet` shares it: each is given
 // storyId, videoId, url and client, and closes on its `done()`.
 import QtQuick
@@ -16,6 +16,7 @@ Item {
     property QtObject trimModel: null
     property Component trimSheet: null
     property Component renderSheet: null
+    property Component historySection: null
     property Component videoSheet: null
     property Component shareSheet: null
 
@@ -46,6 +47,7 @@ Item {
             trimModel: section.trimModel
             trimSheet: section.trimSheet
             renderSheet: section.renderSheet
+            historySection: section.historySection
             onBackRequested: section.navigator.closeStory()
             onRenderSheetClosed: section.hub.videoSheetClosed()
         }

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// @brief How a music track's file name reads in menus: "rock/03.Highway Run.mp3" reads
+/// @brief How a music track's file name reads on screen: "rock/03.Highway Run.mp3" reads
 /// "Highway Run  ·  rock" (extension and leading number dropped, folders after a middle dot).
 namespace TrackNames {
 
