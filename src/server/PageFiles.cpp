@@ -2,11 +2,10 @@
 
 #include "Names.h"
 #include "Reply.h"
+#include "WebAssets.h"
 
 #include <httplib.h>
 
-#include <QFile>
-#include <QString>
 
 namespace {
 constexpr std::string_view prefix = "/pages/";
@@ -30,10 +29,10 @@ std::optional<std::string> read(std::string_view name)
 {
     if (!isPageName(name))
         return std::nullopt;
-    QFile file(QStringLiteral(":/pages/") + QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
-    if (!file.open(QIODevice::ReadOnly))
+    const WebAssets::Asset *asset = WebAssets::find(std::string(name));
+    if (!asset)
         return std::nullopt;
-    return file.readAll().toStdString();
+    return asset->bytes;
 }
 
 void serve(httplib::Response &res, std::string_view name)

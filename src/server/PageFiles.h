@@ -9,7 +9,7 @@ class Server;
 struct Response;
 }
 
-/// @brief The server's own web pages and what they load, compiled in from src/server/pages/.
+/// @brief The account page's files, served from the pages compiled in (WebAssets.h).
 ///
 /// A page is a file in pages/ listed in this folder's CMakeLists (qt_add_resources): the HTML
 /// of a page route, and scripts and styles under "/pages/<name>". Nothing comes from elsewhere,

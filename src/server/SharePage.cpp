@@ -1,6 +1,6 @@
 #include "SharePage.h"
 
-#include <QFile>
+#include "WebAssets.h"
 
 #include <cmath>
 #include <cstdio>
@@ -10,10 +10,8 @@ namespace SharePage {
 namespace {
 std::string resource(const char *name)
 {
-    QFile file(QStringLiteral(":/share/") + QLatin1String(name));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return file.readAll().toStdString();
+    const WebAssets::Asset *asset = WebAssets::find(name);
+    return asset ? asset->bytes : std::string();
 }
 
 std::string length(double seconds)

@@ -50,8 +50,7 @@ protected:
         (void)library.addStory("Cedar Ridge at Dusk", json::array({{{"flightId", "f1"}, {"in", 0.2}, {"out", 1.4}, {"label", "Over the ridge"}},
                                                                    {{"flightId", "f3"}, {"in", 1.0}, {"out", 19.0}, {"label", "Long reveal of the valley"}},
                                                                    {{"flightId", "f2"}, {"in", 0.5}, {"out", 1.5}, {"label", "Orbit"}},
-                                                                   {{"flightId", "f4"}, {"in", 2.0}, {"out", 5.0}, {"label", "Lake pass"}},
-                                                                   {{"flightId", "f2"}, {"in", 1.5}, {"out", 1.5}, {"label", "Marker"}}}));
+                                                                   {{"flightId", "f4"}, {"in", 2.0}, {"out", 5.0}, {"label", "Lake pass"}}}));
         (void)library.addStory("Harbour Point", json::array({{{"flightId", "f1"}, {"in", 0.0}, {"out", 1.5}, {"label", "Breakwater"}},
                                                              {{"flightId", "f2"}, {"in", 0.3}, {"out", 1.8}, {"label", "Lighthouse"}}}));
         (void)library.addStory("Empty draft", json::array());
@@ -132,7 +131,8 @@ TEST_F(CutWindowView, StoriesThenABatchThenTheStory)
     ASSERT_TRUE(waitUntil([&] { return item("cutStories") && item("cutStories")->property("count").toInt() == 3; }));
     shoot("story-list");
 
-    // A story of five: two short clips, a long one, one without an original, one of no length.
+    // A story of four: two short clips, a long one, one without an original. (An item of no
+    // length never reaches this library, which refuses it; the plan's own test has that row.)
     run(model->chooseReel(reel("Cedar Ridge at Dusk")));
     ASSERT_EQ(model->edlTitle(), QStringLiteral("Cedar Ridge at Dusk"));
     ASSERT_TRUE(item("cutAction"));
