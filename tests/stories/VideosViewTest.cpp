@@ -24,6 +24,8 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include <cmath>
+
 using namespace std::chrono_literals;
 using nlohmann::json;
 
@@ -168,6 +170,8 @@ TEST_F(VideosView, MakingAVideoShowsItsProgressThenPlaysIt)
     ASSERT_TRUE(waitUntil([&] { return model->trackChoices().size() > 2; }, 20000));  // the library's music
     EXPECT_FALSE(find("createButton")->isEnabled());
     EXPECT_EQ(find("createButton")->property("text").toString(), "⌛ Creating");
+    // The bar's fill springs to the job's share of the bar.
+    ASSERT_TRUE(waitUntil([&] { return std::abs(find("progressFill")->property("share").toDouble() - 0.42) < 0.01; }, 5000));
     shootBoth("stories-render-running");
 
     // The job finishes: "Created." and the video, playing silently.

@@ -181,12 +181,16 @@ Item {
                 border.color: Theme.border
                 clip: true
                 Rectangle {
+                    objectName: "progressFill"
                     height: parent.height
                     radius: 6
-                    width: parent.width * (renderModel.progressDone && !renderModel.rendering ? 1 : renderModel.progress)
+                    // The share springs as the job moves on; the bar's own width (set by the
+                    // layout, late) applies at once.
+                    property real share: renderModel.progressDone && !renderModel.rendering ? 1 : renderModel.progress
+                    width: parent.width * share
                     color: renderModel.progressDone && !renderModel.rendering ? Theme.success : Theme.accent
                     opacity: 0.35
-                    Behavior on width { SpringAnimation { spring: 4; damping: 0.85; epsilon: 0.5 } }
+                    Behavior on share { SpringAnimation { spring: 4; damping: 0.85; epsilon: 0.005 } }
                 }
                 Text {
                     objectName: "progressText"
