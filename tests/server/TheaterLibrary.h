@@ -4,13 +4,15 @@
 
 #include <string>
 
-/// @brief A token-guarded library with one flight to fly in 3D: an orbit, a pass and a climb
+/// @brief A token-guarded library with one flight to fly in 3D, under two ids: an orbit, a pass and a climb
 /// drawn at 30 Hz, with a proxy video as long as the flight. For the tests of the 3D page, in a
 /// browser and in the app.
 class TheaterLibrary
 {
 public:
     static constexpr const char *flightId = "20240512_093000_0001";
+    /// The same flight again, for which the library has made its light video.
+    static constexpr const char *lightFlightId = "20240512_093000_0002";
     static constexpr double seconds = 12.0;
 
     TheaterLibrary();

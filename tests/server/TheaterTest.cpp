@@ -15,16 +15,17 @@ namespace {
 
 const std::string flight = TheaterLibrary::flightId;
 
-std::string flightPath(const std::string &file)
+std::string flightPath(const std::string &file, const std::string &id = flight)
 {
-    return "/flights/" + flight + "/" + file;
+    return "/flights/" + id + "/" + file;
 }
 
-nlohmann::json openInBrowser(TheaterLibrary &library, const QStringList &extra)
+nlohmann::json openInBrowser(TheaterLibrary &library, const QStringList &extra,
+                             const char *id = TheaterLibrary::flightId)
 {
     return runPageScript(QStringLiteral("tests/server/theater_page.mjs"),
                          QStringList{QStringLiteral("--url=%1").arg(QString::fromStdString(library.base())),
-                                     QStringLiteral("--id=%1").arg(TheaterLibrary::flightId)}
+                                     QStringLiteral("--id=%1").arg(QLatin1String(id))}
                              + extra,
                          120000);
 }
@@ -170,6 +171,30 @@ TEST_F(Theater, AGridIsTheGroundWhenTheTileHostIsDown)
     EXPECT_EQ(r.value("ground", ""), "grid");
     EXPECT_EQ(r.value("tilesLoaded", -1), 0);
     EXPECT_GT(r.value("tilesFailed", 0), 0);
+}
+
+TEST_F(Theater, PlaysTheLightVideoWhereTheLibraryHasMadeOne)
+{
+    const std::string light = TheaterLibrary::lightFlightId;
+    const httplib::Headers session{{"Cookie", library.cookie()}};
+    auto client = library.server().client();
+    const auto names = [&](const std::string &id) {
+        const auto page = client->Get(("/theater.html?id=" + id).c_str(), session);
+        return page ? page->body : std::string();
+    };
+    EXPECT_NE(names(light).find("proxy_480.mp4"), std::string::npos);
+    EXPECT_EQ(names(flight).find("proxy_480.mp4"), std::string::npos);
+    EXPECT_NE(names(flight).find("proxy.mp4"), std::string::npos);
+    // An id that climbs out of its folder finds no light video, even one that is there.
+    EXPECT_EQ(names("../flights/" + light).find("proxy_480.mp4"), std::string::npos);
+
+    const auto r = openInBrowser(library, {QStringLiteral("--cookie=%1").arg(QString::fromStdString(library.cookie())),
+                                           QStringLiteral("--shot=theater-page-light-video")},
+                                 TheaterLibrary::lightFlightId);
+    ASSERT_FALSE(r.contains("error")) << r.dump(2);
+    expectFlown(r, library.samples());
+    EXPECT_EQ(r["media"].value(flightPath("proxy_480.mp4", light), 0), 206) << r.dump(2);
+    EXPECT_FALSE(r["media"].contains(flightPath("proxy.mp4", light))) << r.dump(2);
 }
 
 TEST(TheaterTrack, ReadoutsUseEverySampleAndTheDrawingStaysCloseSmallAndSmooth)

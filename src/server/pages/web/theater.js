@@ -150,7 +150,8 @@ function start(doc, track, base) {
 
     const video = document.getElementById('video');
     video.poster = base + 'thumb.jpg';
-    video.src = base + 'proxy.mp4';
+    // The server names the flight's lighter video here when it has one.
+    video.src = base + (video.dataset.file || 'proxy.mp4');
     document.getElementById('videoBox').hidden = false;
     const playback = new Playback(video, track.end);
     video.addEventListener('error', () => { document.getElementById('videoBox').hidden = true; });
