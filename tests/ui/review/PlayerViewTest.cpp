@@ -11,6 +11,7 @@
 #include "JogShuttleEngine.h"
 #include "LoopbackTiles.h"
 #include "MpvPlayer.h"
+#include "PictureSpread.h"
 #include "PlayerModel.h"
 #include "Preferences.h"
 #include "ReviewTypes.h"
@@ -33,22 +34,6 @@ namespace {
 bool withOpenGL()
 {
     return qEnvironmentVariableIntValue("AEROLOOM_VIDEO_GL") == 1;
-}
-
-/// How much a picture varies: the standard deviation of its grey levels (0 for a flat area).
-double spread(const QImage &image)
-{
-    const QImage grey = image.convertToFormat(QImage::Format_Grayscale8).scaled(64, 36);
-    double sum = 0, squares = 0;
-    const int n = grey.width() * grey.height();
-    for (int y = 0; y < grey.height(); ++y)
-        for (int x = 0; x < grey.width(); ++x) {
-            const double v = qGray(grey.pixel(x, y));
-            sum += v;
-            squares += v * v;
-        }
-    const double mean = sum / n;
-    return std::sqrt(std::max(squares / n - mean * mean, 0.0));
 }
 
 class PlayerView : public ::testing::Test
@@ -174,15 +159,15 @@ TEST_F(PlayerView, AFlightWithItsMarksBandsMapAndVideo)
     // The video shows the flight, not a black or flat area.
     QQuickItem *video = item("video");
     ASSERT_TRUE(video);
-    ASSERT_TRUE(waitUntil([&] { return spread(pictureOf(video)) > 20; }, 15000))
-        << "the video area stays flat: " << spread(pictureOf(video));
+    ASSERT_TRUE(waitUntil([&] { return pictureSpread(pictureOf(video)) > 20; }, 15000))
+        << "the video area stays flat: " << pictureSpread(pictureOf(video));
 
     themes.setPref(ThemeManager::ThemePref::cockpit);
     shoot(QStringLiteral("player-%1-dark").arg(kind()));
     themes.setPref(ThemeManager::ThemePref::field);
     ASSERT_TRUE(waitUntil([&] { return map->missingTiles() == 0; }, 20000)) << "light tiles";
     shoot(QStringLiteral("player-%1-light").arg(kind()));
-    EXPECT_GT(spread(pictureOf(video)), 20);
+    EXPECT_GT(pictureSpread(pictureOf(video)), 20);
 
     // The menu of the pilot's own clip, with the stories to add it to; then the keys' sheet.
     QQuickItem *more = item("clipMenuButton-k1");
