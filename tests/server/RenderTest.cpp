@@ -358,8 +358,10 @@ TEST_F(Render, VideosAndTheirLinksGoWithTheVideoOrTheStory)
     ASSERT_EQ(http->Delete(("/api/projects/" + story).c_str())->status, 200);
     EXPECT_FALSE(fs::exists(library / "renders" / (wide + ".mp4")));
     EXPECT_EQ(http->Get(wideLink.c_str())->status, 404);
-    for (const auto &entry : jsonOf(http->Get("/api/renders"))["renders"])
+    const auto rendersLeft = jsonOf(http->Get("/api/renders"));
+    for (const auto &entry : rendersLeft["renders"])
         EXPECT_NE(entry["projectId"], story);
-    for (const auto &entry : jsonOf(http->Get("/api/shares"))["shares"])
+    const auto sharesLeft = jsonOf(http->Get("/api/shares"));
+    for (const auto &entry : sharesLeft["shares"])
         EXPECT_NE(entry["projectId"], story);
 }

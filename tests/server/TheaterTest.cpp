@@ -83,8 +83,8 @@ TEST_F(Theater, TheSessionCookieOpensThePageAndItsMediaOnly)
     EXPECT_EQ(video->body.size(), 100u);
 
     // Nothing else: not the flight list, the account, the flight's other files, nor any change.
-    for (const std::string path : {"/manifest.json", "/api/me", "/api/flights", "/api/projects",
-                                   flightPath("clips.json").c_str(), flightPath("moments.json").c_str()})
+    for (const std::string &path : std::vector<std::string>{"/manifest.json", "/api/me", "/api/flights", "/api/projects",
+                                                            flightPath("clips.json"), flightPath("moments.json")})
         EXPECT_EQ(client->Get(path.c_str(), session)->status, 401) << path;
     EXPECT_EQ(client->Post("/api/auth/session", session)->status, 401);
     EXPECT_EQ(client->Delete(("/api/flights/" + flight).c_str(), session)->status, 401);

@@ -24,7 +24,8 @@ protected:
             story = storyOfTwo("Shared");
             video = renderOnServer(story)["id"];
         }
-        for (const auto &share : jsonOf(server->client()->Get("/api/shares"))["shares"])
+        const auto shares = jsonOf(server->client()->Get("/api/shares"));
+        for (const auto &share : shares["shares"])
             server->client()->Delete(("/api/shares/" + share["token"].get<std::string>()).c_str());
     }
     void TearDown() override
