@@ -45,9 +45,10 @@ QUrl mailto(const QString &subject, const QString &body)
 
 } // namespace
 
-DesktopShare::DesktopShare(QDBusConnection bus, QObject *parent)
+DesktopShare::DesktopShare(QDBusConnection bus, QString portal, QObject *parent)
     : DesktopHandoff(parent)
     , m_bus(std::move(bus))
+    , m_portal(std::move(portal))
     , m_videos(QStandardPaths::writableLocation(QStandardPaths::MoviesLocation))
 {
     qDBusRegisterMetaType<QList<QDBusUnixFileDescriptor>>();
@@ -63,7 +64,7 @@ void DesktopShare::copyText(const QString &text)
 void DesktopShare::callPortal(const QString &interface, const QString &method, const QVariantList &args,
                               std::function<void()> fallback)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(portalService, portalPath, interface, method);
+    QDBusMessage call = QDBusMessage::createMethodCall(m_portal, portalPath, interface, method);
     call.setArguments(args);
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, fallback = std::move(fallback)] {

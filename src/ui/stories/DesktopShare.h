@@ -28,7 +28,10 @@ public:
     static inline const QString fileManagerService = QStringLiteral("org.freedesktop.FileManager1");
     static inline const QString fileManagerPath = QStringLiteral("/org/freedesktop/FileManager1");
 
-    explicit DesktopShare(QDBusConnection bus = QDBusConnection::sessionBus(), QObject *parent = nullptr);
+    /// `portal` is the portal's bus name; tests give a name of their own, as the real portal may
+    /// already own the usual one on the bus they share.
+    explicit DesktopShare(QDBusConnection bus = QDBusConnection::sessionBus(), QString portal = portalService,
+                          QObject *parent = nullptr);
 
     void copyText(const QString &text) override;
     void emailLink(const QUrl &link, const QString &subject) override;
@@ -51,5 +54,6 @@ private:
     static bool startMailer(const QStringList &args);
 
     QDBusConnection m_bus;
+    QString m_portal;
     QString m_videos;
 };
