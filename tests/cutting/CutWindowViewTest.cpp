@@ -10,7 +10,7 @@
 
 #include <CoroTest.h>
 #include <CutOriginals.h>
-#include <TestPaths.h>
+#include <QuickShots.h>
 
 #include <gtest/gtest.h>
 
@@ -101,15 +101,7 @@ protected:
     {
         for (const auto pref : {ThemeManager::ThemePref::cockpit, ThemeManager::ThemePref::field}) {
             themes.setPref(pref);
-            QCoreApplication::processEvents();
-            QThread::msleep(100);
-            QCoreApplication::processEvents();
-            const QImage picture = view->grabWindow();
-            ASSERT_FALSE(picture.isNull());
-            const QDir shots(TestPaths::buildDir() + "/screenshots");
-            shots.mkpath(".");
-            const QString palette = pref == ThemeManager::ThemePref::cockpit ? "dark" : "light";
-            ASSERT_TRUE(picture.save(shots.filePath("cut-" + name + "-" + palette + ".png")));
+            QuickShots::save(*view, "cut-" + name + (pref == ThemeManager::ThemePref::cockpit ? "-dark" : "-light"));
         }
     }
 

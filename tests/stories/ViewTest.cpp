@@ -4,12 +4,12 @@
 #include "ImageCache.h"
 #include "MpvPlayer.h"
 #include "Preferences.h"
+#include "QuickShots.h"
 #include "ReelsHubModel.h"
 #include "ReviewTypes.h"
 #include "StoriesFixture.h"
 #include "StoriesTypes.h"
 #include "StoryNavigator.h"
-#include "TestPaths.h"
 #include "Theme.h"
 #include "ThemeManager.h"
 
@@ -135,14 +135,7 @@ StoriesSection {
     {
         for (const auto pref : {ThemeManager::ThemePref::cockpit, ThemeManager::ThemePref::field}) {
             themes.setPref(pref);
-            QCoreApplication::processEvents();
-            waitUntil([] { return false; }, 250);
-            const QImage picture = view->grabWindow();
-            ASSERT_FALSE(picture.isNull());
-            const QDir shots(TestPaths::buildDir() + "/screenshots");
-            shots.mkpath(".");
-            const QString suffix = pref == ThemeManager::ThemePref::cockpit ? "-dark" : "-light";
-            ASSERT_TRUE(picture.save(shots.filePath(name + suffix + ".png")));
+            QuickShots::save(*view, name + (pref == ThemeManager::ThemePref::cockpit ? "-dark" : "-light"));
         }
     }
 };
