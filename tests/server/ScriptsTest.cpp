@@ -44,6 +44,7 @@ private:
 
 struct Ran {
     int code = -1;
+    std::string out;
     std::string err;
 };
 
@@ -53,7 +54,7 @@ Ran runScript(const QString &script, const QStringList &arguments)
     bash.setWorkingDirectory(TestPaths::sourceDir());
     bash.start(QStringLiteral("bash"), QStringList{script} + arguments);
     bash.waitForFinished(120000);
-    return {bash.exitCode(), bash.readAllStandardError().toStdString()};
+    return {bash.exitCode(), bash.readAllStandardOutput().toStdString(), bash.readAllStandardError().toStdString()};
 }
 
 /// Processes started from a file under `folder`: their ids and command lines.
@@ -91,7 +92,13 @@ TEST(Scripts, TheUploadMemoryBenchmarkStopsItsServerWhetherItEndsOrIsStopped)
     FakeBuild build;
     const QString folder = QString::fromStdString(build.path().string());
     const auto passed = runScript(QStringLiteral("bench/server/put_rss.sh"), {folder, QStringLiteral("100000")});
+#ifdef __SANITIZE_ADDRESS__
+    // A sanitized server carries its shadow memory, so its peak is over the limit by design;
+    // what matters here is that the script ran to its verdict.
+    EXPECT_NE(passed.out.find("ratio: "), std::string::npos) << passed.err;
+#else
     EXPECT_EQ(passed.code, 0) << passed.err;
+#endif
     EXPECT_EQ(runningFrom(build.path()), std::vector<std::string>{}) << passed.err;
 
     // Stopped (as by Ctrl-C or a CI timeout) while its server takes a large upload.

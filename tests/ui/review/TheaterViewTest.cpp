@@ -215,7 +215,7 @@ TEST_F(TheaterViewTest, FliesTheLibrarysPageWithItsSessionAndLeavesByALinkOrEsc)
     // Esc leaves even while the page has the keyboard.
     QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(640, 300));
     QTest::keyClick(&view, Qt::Key_Escape);
-    EXPECT_TRUE(waitUntil([&] { return !theater.active(); }, 5000));
+    EXPECT_TRUE(waitUntil([&] { return !theater.active(); }, 15000));
     EXPECT_EQ(page(), nullptr);
 
     // The close button over the page leaves at any moment, even before the page has come.
