@@ -242,5 +242,9 @@ void PlayerModel::stop()
 
 void PlayerModel::requestTheater()
 {
+    // The theater plays the flight with its own sound; the player waits where it was.
+    if (m_isJogging)
+        shuttleStop();
+    pause();
     Q_EMIT theaterRequested(m_flight.id);
 }

@@ -31,6 +31,8 @@ QUrl TheaterController::pageUrl(const APIClient &client, const QString &flightId
         relative += QStringLiteral("&units=metric");
     if (!options.tileTemplate.isEmpty())
         relative += QStringLiteral("&tiles=") + QString::fromLatin1(QUrl::toPercentEncoding(options.tileTemplate));
+    if (options.hq)
+        relative += QStringLiteral("&quality=hq");
     return client.url(relative);
 }
 

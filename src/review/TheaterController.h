@@ -34,10 +34,12 @@ class TheaterController : public QObject
     Q_PROPERTY(QVariant sessionCookie READ sessionCookieValue NOTIFY readyChanged FINAL)
     Q_PROPERTY(QString failureText READ failureText CONSTANT FINAL)
 public:
-    /// What the page is told besides the flight: the pilot's units and the base map to drape.
+    /// What the page is told besides the flight: the pilot's units, the base map to drape and
+    /// whether to play the full proxy rather than the library's lighter video.
     struct PageOptions {
         bool metric = false;
         QString tileTemplate;  ///< "https://host/style/{z}/{x}/{y}@2x.png", or empty for a plain grid
+        bool hq = false;
     };
     using Options = std::function<PageOptions()>;
 
@@ -51,7 +53,7 @@ public:
     /// The flight the development entry opens in the theater: "SPIKE_FLIGHT" when "SPIKE_THEATER"
     /// is exactly "1".
     [[nodiscard]] static std::optional<QString> spikeFlight(const QProcessEnvironment &environment);
-    /// base + "/theater.html?id=" + the id as it is, then the units and the tile template.
+    /// base + "/theater.html?id=" + the id as it is, then the units, the tile template and the quality.
     [[nodiscard]] static QUrl pageUrl(const APIClient &client, const QString &flightId, const PageOptions &options);
     /// The words of the failure screen.
     [[nodiscard]] static QString failureText() { return QStringLiteral("Couldn’t load the 3D theater."); }

@@ -219,7 +219,8 @@ int main(int argc, char *argv[])
     // The 3D theater of a flight, over the main window: `theater.open(flightId)` shows it (the
     // player's "3D" button), and so does the development entry SPIKE_FLIGHT with SPIKE_THEATER=1.
     TheaterController theater(appModel.client(), [&] {
-        return TheaterController::PageOptions{units.metric(), TileMath::baseMapTemplate(gallery.tileHost(), theme.dark())};
+        return TheaterController::PageOptions{units.metric(), TileMath::baseMapTemplate(gallery.tileHost(), theme.dark()),
+                                              playback.hq()};
     });
     QObject::connect(&appModel, &AppModel::clientChanged, &theater, [&] { theater.setClient(appModel.client()); });
     // Signed out, the sign-in view shows and no theater over it; signing in brings the

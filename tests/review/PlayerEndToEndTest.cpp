@@ -319,9 +319,12 @@ TEST_F(PlayerEndToEnd, TheDevelopmentEntryOpensAFlightOnlyOnceTheManifestNamesIt
     ASSERT_TRUE(waitUntil([&] { return opened->hasRange(); }, 20000));
     EXPECT_NEAR(*opened->markIn(), 0.11 * opened->duration(), 1e-9);
     EXPECT_NEAR(*opened->markOut(), 0.16 * opened->duration(), 1e-9);
+    // The 3D theater takes over the flight: the player stops where it was and waits.
+    ASSERT_TRUE(waitUntil([&] { return opened->playing(); }, 20000));
     QSignalSpy theater(&session, &ReviewSession::theaterRequested);
     opened->requestTheater();
     EXPECT_EQ(theater.value(0).value(0).toString(), flightId);
+    EXPECT_TRUE(waitUntil([&] { return !opened->playing(); }, 5000));
 
     QPointer<PlayerModel> gone(opened);
     session.close();

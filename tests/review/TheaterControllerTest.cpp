@@ -80,17 +80,18 @@ TEST(TheaterController, AClosedTheaterStaysClosedWhenItsSessionArrivesLate)
     hangUp(client);
 }
 
-TEST(TheaterController, ThePageAddressCarriesTheIdAsItIsThenUnitsAndTiles)
+TEST(TheaterController, ThePageAddressCarriesTheIdAsItIsThenUnitsTilesAndQuality)
 {
     const APIClient client(QStringLiteral("http://127.0.0.1:8080/lib/"), std::nullopt);
     const QUrl plain = TheaterController::pageUrl(client, QStringLiteral("20240512_093000_0001"), {});
     EXPECT_EQ(plain.toString(), "http://127.0.0.1:8080/lib/theater.html?id=20240512_093000_0001");
 
     const QUrl full = TheaterController::pageUrl(
-        client, QStringLiteral("DJI_0001"), {true, QStringLiteral("https://a.tiles.example/dark_all/{z}/{x}/{y}@2x.png?k=1&s=2")});
+        client, QStringLiteral("DJI_0001"), {true, QStringLiteral("https://a.tiles.example/dark_all/{z}/{x}/{y}@2x.png?k=1&s=2"), true});
     const QUrlQuery query(full);
     EXPECT_EQ(query.queryItemValue("id"), "DJI_0001");
     EXPECT_EQ(query.queryItemValue("units"), "metric");
+    EXPECT_EQ(query.queryItemValue("quality"), "hq");
     // The template survives whole, its own query included.
     EXPECT_EQ(query.queryItemValue("tiles", QUrl::FullyDecoded), "https://a.tiles.example/dark_all/{z}/{x}/{y}@2x.png?k=1&s=2");
 }

@@ -23,12 +23,13 @@ TheaterLibrary::TheaterLibrary() : m_server([](ServerConfig &c) { c.auth = AuthM
     EXPECT_TRUE(written.ok()) << written.errorText().toStdString();
     const auto client = m_server.client();
     client->set_default_headers({{"Authorization", "Bearer " + m_token}});
-    for (const char *id : {flightId, lightFlightId}) {
+    for (const char *id : {flightId, lightFlightId, brokenLightFlightId}) {
         const auto committed = uploadFlight(*client, id, folder);
         EXPECT_TRUE(committed && committed->status == 200) << (committed ? committed->body : "no reply");
     }
     // The proxy is already smaller than the light size, so the light video is the same picture.
     std::filesystem::copy_file(folder / "proxy.mp4", m_server.library() / "flights" / lightFlightId / "proxy_480.mp4");
+    writeFile(m_server.library() / "flights" / brokenLightFlightId / "proxy_480.mp4", std::string(4096, 'x'));
 }
 
 std::string TheaterLibrary::cookie() const

@@ -13,6 +13,8 @@ public:
     static constexpr const char *flightId = "20240512_093000_0001";
     /// The same flight again, for which the library has made its light video.
     static constexpr const char *lightFlightId = "20240512_093000_0002";
+    /// The same flight once more, whose light video is not a video at all.
+    static constexpr const char *brokenLightFlightId = "20240512_093000_0003";
     static constexpr double seconds = 12.0;
 
     TheaterLibrary();

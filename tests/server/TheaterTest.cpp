@@ -197,6 +197,25 @@ TEST_F(Theater, PlaysTheLightVideoWhereTheLibraryHasMadeOne)
     EXPECT_FALSE(r["media"].contains(flightPath("proxy.mp4", light))) << r.dump(2);
 }
 
+TEST_F(Theater, TheFullVideoPlaysWhenAskedForOrWhenTheLightOneWontPlay)
+{
+    const QString cookie = QStringLiteral("--cookie=%1").arg(QString::fromStdString(library.cookie()));
+    const std::string light = TheaterLibrary::lightFlightId;
+    const auto hq = openInBrowser(library, {cookie, QStringLiteral("--quality=hq")}, TheaterLibrary::lightFlightId);
+    ASSERT_FALSE(hq.contains("error")) << hq.dump(2);
+    expectFlown(hq, library.samples());
+    EXPECT_EQ(hq["media"].value(flightPath("proxy.mp4", light), 0), 206) << hq.dump(2);
+    EXPECT_FALSE(hq["media"].contains(flightPath("proxy_480.mp4", light))) << hq.dump(2);
+
+    const std::string broken = TheaterLibrary::brokenLightFlightId;
+    const auto fallen = openInBrowser(library, {cookie}, TheaterLibrary::brokenLightFlightId);
+    ASSERT_FALSE(fallen.contains("error")) << fallen.dump(2);
+    expectFlown(fallen, library.samples());
+    EXPECT_TRUE(fallen["media"].contains(flightPath("proxy_480.mp4", broken))) << fallen.dump(2);
+    EXPECT_EQ(fallen["media"].value(flightPath("proxy.mp4", broken), 0), 206) << fallen.dump(2);
+    EXPECT_TRUE(fallen.value("videoShown", false)) << fallen.dump(2);
+}
+
 TEST(TheaterTrack, ReadoutsUseEverySampleAndTheDrawingStaysCloseSmallAndSmooth)
 {
     const auto r = runPageScript(QStringLiteral("tests/server/theater_track.mjs"));

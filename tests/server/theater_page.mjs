@@ -1,9 +1,9 @@
 // The library's 3D page in headless Chromium: loads it with or without the session cookie and
 // reports what it shows, whether its WebGL canvas draws, and whether its video plays.
-//   --url=<base> --id=<flight> [--cookie=name=value] [--tiles=<template>] [--shot=<name>]
+//   --url=<base> --id=<flight> [--cookie=name=value] [--tiles=<template>] [--quality=hq] [--shot=<name>]
 import { openBrowser, options, report, shoot } from '../web/browser.mjs';
 
-const { url, id, cookie, tiles, shot, camera } = options();
+const { url, id, cookie, tiles, quality, shot, camera } = options();
 const browser = await openBrowser();
 const context = await browser.newContext({ viewport: { width: 1280, height: 720 } });
 if (cookie) {
@@ -29,6 +29,7 @@ page.on('response', (r) => {
 
 let address = `${url}/theater.html?id=${encodeURIComponent(id)}&units=metric`;
 if (tiles) address += `&tiles=${encodeURIComponent(tiles)}`;
+if (quality) address += `&quality=${encodeURIComponent(quality)}`;
 const response = await page.goto(address);
 await page.waitForFunction(() => document.documentElement.dataset.state !== 'loading', null, { timeout: 30000 });
 const result = { status: response.status(), state: await page.evaluate(() => document.documentElement.dataset.state) };
@@ -49,7 +50,7 @@ if (result.state === 'ready') {
         samples: Number(await page.evaluate(() => document.documentElement.dataset.samples)),
         drawn: after.drawn, ground: after.ground, tilesLoaded: after.tilesLoaded, tilesFailed: after.tilesFailed,
         videoTimeBefore: before.videoTime, videoTimeAfter: after.videoTime, timeAfter: after.time,
-        playing: after.playing,
+        playing: after.playing, videoShown: await page.evaluate(() => !document.getElementById('videoBox').hidden),
         speed: await page.evaluate(() => document.getElementById('speed').textContent),
         altitude: await page.evaluate(() => document.getElementById('altitude').textContent),
     });

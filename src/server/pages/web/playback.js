@@ -3,16 +3,28 @@
 // page keeps time itself.
 
 export class Playback {
-    constructor(video, duration) {
+    /** `fallback`, when given, is the address to try once if the video's own file won't play. */
+    constructor(video, duration, fallback = null) {
         this.video = video;
         this.duration = duration;
         this.position = 0;
         this.playing = false;
         this.videoFailed = !video;
         this.onChange = () => {};
+        this.onVideoLost = () => {};
         if (!video)
             return;
-        video.addEventListener('error', () => { this.videoFailed = true; this.onChange(); });
+        video.addEventListener('error', () => {
+            if (fallback) {
+                // The clock keeps going meanwhile; the new file joins it once it knows its length.
+                video.src = fallback;
+                fallback = null;
+                return;
+            }
+            this.videoFailed = true;
+            this.onVideoLost();
+            this.onChange();
+        });
         // The page may start before the video knows its length: it then joins the clock where it is.
         video.addEventListener('loadedmetadata', () => {
             if (!this.#videoHolds(this.position))

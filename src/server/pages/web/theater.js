@@ -150,11 +150,14 @@ function start(doc, track, base) {
 
     const video = document.getElementById('video');
     video.poster = base + 'thumb.jpg';
-    // The server names the flight's lighter video here when it has one.
-    video.src = base + (video.dataset.file || 'proxy.mp4');
+    // The server names the flight's lighter video here when it has one. A pilot who plays in
+    // high quality gets the full proxy, and so does one whose lighter file won't play.
+    const full = 'proxy.mp4';
+    const file = params.get('quality') === 'hq' ? full : (video.dataset.file || full);
+    video.src = base + file;
     document.getElementById('videoBox').hidden = false;
-    const playback = new Playback(video, track.end);
-    video.addEventListener('error', () => { document.getElementById('videoBox').hidden = true; });
+    const playback = new Playback(video, track.end, file === full ? null : base + full);
+    playback.onVideoLost = () => { document.getElementById('videoBox').hidden = true; };
     controls.showFlight(doc.meta, id, track.end);
     controls.bind(playback, rig);
 
