@@ -19,6 +19,9 @@ await page.click('#email-submit');
 await page.waitForSelector('#waiting:not([hidden])');
 out.waiting = await page.locator('#waiting-line').innerText();
 await shoot(page, 'account-page-waiting-cockpit');
+await page.emulateMedia({ colorScheme: 'light' });
+await shoot(page, 'account-page-waiting-field');
+await page.emulateMedia({ colorScheme: 'dark' });
 
 let link = null;
 for (let i = 0; i < 50 && !link; i += 1) {

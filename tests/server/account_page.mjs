@@ -24,6 +24,9 @@ out.emailButtonEnabled = await page.locator('#email-submit').isEnabled();
 await page.fill('#email', 'pilot@example.org');
 out.emailButtonEnabledWithAddress = await page.locator('#email-submit').isEnabled();
 await shoot(page, 'account-page-signin-cockpit');
+await page.emulateMedia({ colorScheme: 'light' });
+await shoot(page, 'account-page-signin-field');
+await page.emulateMedia({ colorScheme: 'dark' });
 
 await page.click('#mode-token');
 await page.fill('#token', `${token}x`);

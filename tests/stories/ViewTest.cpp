@@ -248,12 +248,15 @@ TEST_F(StoriesView, PreviewPlaysTheStoryInItsShape)
     ASSERT_TRUE(waitUntil([&] { return (sp = sheet->property("sp").value<QObject *>()) != nullptr; }));
     auto *player = sp->property("player").value<VideoPlayer *>();
     ASSERT_TRUE(player);
-    // Two of its three clips are vertical footage: the preview starts in the vertical look.
+    // Two of its three clips are vertical footage: the preview starts in the vertical look, in
+    // that shape from the moment the frame has a size (it doesn't grow out of nothing).
     EXPECT_TRUE(sheet->property("verticalLook").toBool());
+    QQuickItem *frame = find("previewFrame");
+    ASSERT_TRUE(waitUntil([&] { return frame->height() > 0; }));
+    EXPECT_NEAR(frame->width() / frame->height(), 0.5625, 0.01);
     ASSERT_TRUE(waitUntil([&] { return player->isPlaying() && player->currentTime() > 0.8; }, 20000));
     EXPECT_EQ(find("previewPosition")->property("text").toString(), "1 / 3");
     EXPECT_EQ(find("previewLabel")->property("text").toString(), "Lagoon reveal");
-    QQuickItem *frame = find("previewFrame");
     ASSERT_TRUE(waitUntil([&] { return std::abs(frame->width() / frame->height() - 0.5625) < 0.01; }));
     shootBoth("stories-preview-vertical");
 

@@ -11,6 +11,8 @@ StorySheet {
     property bool storyVertical: false
     property bool verticalLook: false
     property QtObject sp: null
+    // The look springs between its shapes once the sheet is up; it opens in its shape at once.
+    property bool lookAnimates: false
 
     title: "Preview"
     width: Math.min(parent ? parent.width - 80 : 900, 900)
@@ -18,9 +20,11 @@ StorySheet {
 
     onOpened: {
         verticalLook = storyVertical
+        lookAnimates = true
         sp = reel.startPreview()
     }
     onClosed: {
+        lookAnimates = false
         if (sp)
             sp.close()
         sp = null
@@ -38,11 +42,16 @@ StorySheet {
             Rectangle {
                 id: frame
                 objectName: "previewFrame"
-                readonly property real aspect: sheet.verticalLook ? 0.5625 : 16 / 9
+                // The shape animates, not the size: the layout sets the size, and a size that
+                // animates would grow from nothing each time the sheet is laid out.
+                property real aspect: sheet.verticalLook ? 0.5625 : 16 / 9
+                Behavior on aspect {
+                    enabled: sheet.lookAnimates
+                    SpringAnimation { spring: 6; damping: 0.55; epsilon: 0.002 }
+                }
                 anchors.centerIn: parent
                 height: Math.min(stage.height, stage.width / aspect)
                 width: height * aspect
-                Behavior on width { SpringAnimation { spring: 6; damping: 0.55; epsilon: 0.5 } }
                 color: "black"
                 radius: 8
                 clip: true
