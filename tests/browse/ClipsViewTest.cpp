@@ -92,19 +92,13 @@ protected:
 
     void show(const QByteArray &qml)
     {
-        const QString file = dir.filePath("Harness.qml");
-        QFile out(file);
-        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(qml);
-        out.close();
         view = std::make_unique<QQuickView>();
         view->rootContext()->setContextProperty("clipsModel", browser.get());
         view->rootContext()->setContextProperty("lightboxModel", lightbox.get());
         view->rootContext()->setContextProperty("trimModel", trimSheet.get());
         view->rootContext()->setContextProperty("apiClient", client.get());
         view->rootContext()->setContextProperty("imageCache", &images);
-        view->setSource(QUrl::fromLocalFile(file));
-        ASSERT_EQ(view->status(), QQuickView::Ready) << view->errors().value(0).toString().toStdString();
+        ASSERT_EQ(QuickShots::load(*view, dir, qml), "");
         view->show();
     }
 

@@ -91,10 +91,12 @@ protected:
         }
         qmlRegisterSingletonInstance("Aeroloom.Services", 1, 0, "Theme", &theme);
 
-        const QString qml = dir.filePath("Harness.qml");
-        QFile file(qml);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(R"(import QtQuick
+        view = std::make_unique<QQuickView>();
+        view->rootContext()->setContextProperty("galleryStore", store.get());
+        view->rootContext()->setContextProperty("apiClient", client.get());
+        view->rootContext()->setContextProperty("imageCache", &images);
+        view->rootContext()->setContextProperty("tileCache", dir.filePath("tiles"));
+        ASSERT_EQ(QuickShots::load(*view, dir, R"(import QtQuick
 import Aeroloom.Services
 import "qrc:/aeroloom/browse"
 GalleryView {
@@ -103,15 +105,7 @@ GalleryView {
     tileCacheDir: tileCache
     thumbnail: Component { AuthedImageItem { client: apiClient; cache: imageCache } }
 }
-)");
-        file.close();
-        view = std::make_unique<QQuickView>();
-        view->rootContext()->setContextProperty("galleryStore", store.get());
-        view->rootContext()->setContextProperty("apiClient", client.get());
-        view->rootContext()->setContextProperty("imageCache", &images);
-        view->rootContext()->setContextProperty("tileCache", dir.filePath("tiles"));
-        view->setSource(QUrl::fromLocalFile(qml));
-        ASSERT_EQ(view->status(), QQuickView::Ready) << view->errors().value(0).toString().toStdString();
+)"), "");
         view->show();
         ASSERT_TRUE(waitUntil([&] { return store->flightCount() == 4 && !store->loading(); }, 10000));
     }

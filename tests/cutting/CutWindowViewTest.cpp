@@ -65,15 +65,12 @@ protected:
             QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
         }
         qmlRegisterSingletonInstance("Aeroloom.Services", 1, 0, "Theme", &theme);
-        const QString qml = dir.filePath("Harness.qml");
-        QFile file(qml);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("import QtQuick\nimport \"qrc:/aeroloom/cutting\"\nCutWindowView { width: 880; height: 700; model: cutModel }\n");
-        file.close();
         view = std::make_unique<QQuickView>();
         view->rootContext()->setContextProperty("cutModel", model.get());
-        view->setSource(QUrl::fromLocalFile(qml));
-        ASSERT_EQ(view->status(), QQuickView::Ready) << view->errors().value(0).toString().toStdString();
+        ASSERT_EQ(QuickShots::load(*view, dir,
+                                   "import QtQuick\nimport \"qrc:/aeroloom/cutting\"\n"
+                                   "CutWindowView { width: 880; height: 700; model: cutModel }\n"),
+                  "");
         view->show();
     }
 

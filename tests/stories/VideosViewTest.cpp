@@ -76,10 +76,13 @@ protected:
 
     void show()
     {
-        const QString qml = dir.filePath("Harness.qml");
-        QFile file(qml);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(R"(import QtQuick
+        view = std::make_unique<QQuickView>();
+        view->rootContext()->setContextProperty("storiesHub", hub.get());
+        view->rootContext()->setContextProperty("storyNavigator", &navigator);
+        view->rootContext()->setContextProperty("apiClient", client.get());
+        view->rootContext()->setContextProperty("imageCache", &images);
+        view->rootContext()->setContextProperty("desktopStandIn", &desktop);
+        ASSERT_EQ(QuickShots::load(*view, dir, R"(import QtQuick
 import Aeroloom.Services
 import "qrc:/aeroloom/stories"
 StoriesSection {
@@ -98,16 +101,7 @@ StoriesSection {
     videoSheet: Component { RenderPlayerView { store: storiesHub.store } }
     shareSheet: Component { ShareReelSheet { store: storiesHub.store; desktop: desktopStandIn } }
 }
-)");
-        file.close();
-        view = std::make_unique<QQuickView>();
-        view->rootContext()->setContextProperty("storiesHub", hub.get());
-        view->rootContext()->setContextProperty("storyNavigator", &navigator);
-        view->rootContext()->setContextProperty("apiClient", client.get());
-        view->rootContext()->setContextProperty("imageCache", &images);
-        view->rootContext()->setContextProperty("desktopStandIn", &desktop);
-        view->setSource(QUrl::fromLocalFile(qml));
-        ASSERT_EQ(view->status(), QQuickView::Ready) << view->errors().value(0).toString().toStdString();
+)"), "");
         view->show();
         ASSERT_TRUE(waitUntil([&] { return hub->state() == "list" && !store->loading(); }, 10000));
     }

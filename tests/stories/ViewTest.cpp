@@ -65,10 +65,12 @@ protected:
         }
         qmlRegisterSingletonInstance("Aeroloom.Services", 1, 0, "Theme", &theme);
 
-        const QString qml = dir.filePath("Harness.qml");
-        QFile file(qml);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(R"(import QtQuick
+        view = std::make_unique<QQuickView>();
+        view->rootContext()->setContextProperty("storiesHub", hub.get());
+        view->rootContext()->setContextProperty("storyNavigator", &navigator);
+        view->rootContext()->setContextProperty("apiClient", client.get());
+        view->rootContext()->setContextProperty("imageCache", &images);
+        ASSERT_EQ(QuickShots::load(*view, dir, R"(import QtQuick
 import Aeroloom.Services
 import "qrc:/aeroloom/stories"
 StoriesSection {
@@ -90,15 +92,7 @@ StoriesSection {
     }
     trimSheet: Component { Item { objectName: "trimSheetShown" } }
 }
-)");
-        file.close();
-        view = std::make_unique<QQuickView>();
-        view->rootContext()->setContextProperty("storiesHub", hub.get());
-        view->rootContext()->setContextProperty("storyNavigator", &navigator);
-        view->rootContext()->setContextProperty("apiClient", client.get());
-        view->rootContext()->setContextProperty("imageCache", &images);
-        view->setSource(QUrl::fromLocalFile(qml));
-        ASSERT_EQ(view->status(), QQuickView::Ready) << view->errors().value(0).toString().toStdString();
+)"), "");
         view->show();
         ASSERT_TRUE(waitUntil([&] { return hub->state() == "list" && !store->loading(); }, 10000));
     }

@@ -7,8 +7,11 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QImage>
+#include <QFile>
 #include <QQuickItem>
+#include <QQuickView>
 #include <QQuickWindow>
+#include <QTemporaryDir>
 #include <QThread>
 
 /// Finding items and saving pictures in tests that draw QML.
@@ -26,6 +29,20 @@ inline QQuickItem *findItem(QQuickItem *from, const QString &name)
         if (QQuickItem *found = findItem(child, name))
             return found;
     return nullptr;
+}
+
+/// Writes `qml` to Harness.qml in `dir` and loads it into `view`, whose context properties are
+/// already set. Gives the first error, or nothing when the view is ready.
+inline std::string load(QQuickView &view, const QTemporaryDir &dir, const QByteArray &qml)
+{
+    QFile file(dir.filePath(QStringLiteral("Harness.qml")));
+    if (!file.open(QIODevice::WriteOnly) || file.write(qml) != qml.size())
+        return "can't write " + file.fileName().toStdString();
+    file.close();
+    view.setSource(QUrl::fromLocalFile(file.fileName()));
+    if (view.status() != QQuickView::Ready)
+        return view.errors().value(0).toString().toStdString();
+    return {};
 }
 
 /// Saves what `window` shows, once pending frames are drawn, as <build>/screenshots/<name>.png.

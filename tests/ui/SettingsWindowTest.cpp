@@ -178,13 +178,8 @@ TEST(SignInScreen, TheLinkForPeopleWithoutAnAccountReadsAsWritten)
     QQuickView view;
     view.rootContext()->setContextProperty("loginModel", &model);
     QTemporaryDir dir;
-    QFile harness(dir.filePath("Harness.qml"));
-    ASSERT_TRUE(harness.open(QIODevice::WriteOnly));
-    harness.write("import QtQuick\nimport \"" + QUrl::fromLocalFile(TestPaths::sourceDir() + "/src/ui/qml").toString().toUtf8()
-                  + "\"\nLoginLearnMore { width: 420; model: loginModel }\n");
-    harness.close();
-    view.setSource(QUrl::fromLocalFile(harness.fileName()));
-    ASSERT_EQ(view.status(), QQuickView::Ready) << view.errors().value(0).toString().toStdString();
+    const QByteArray qml = QUrl::fromLocalFile(TestPaths::sourceDir() + "/src/ui/qml").toString().toUtf8();
+    ASSERT_EQ(QuickShots::load(view, dir, "import QtQuick\nimport \"" + qml + "\"\nLoginLearnMore { width: 420; model: loginModel }\n"), "");
     auto *link = QuickShots::findItem(view.rootObject(), "learnMoreLink");
     ASSERT_TRUE(link);
     EXPECT_TRUE(link->isVisible());

@@ -6,6 +6,7 @@
 #include "MpvPlayer.h"
 #include "PlaybackLibrary.h"
 #include "Preferences.h"
+#include "QuickShots.h"
 #include "ReviewTypes.h"
 #include "TestPaths.h"
 #include "Theme.h"
@@ -75,12 +76,10 @@ protected:
     void SetUp() override
     {
         qmlRegisterSingletonInstance("Aeroloom.Services", 1, 0, "Theme", &theme);
-        const QString qml = dir.filePath("Harness.qml");
-        QFile file(qml);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        view.rootContext()->setContextProperty("videoPlayer", &player);
         // The item sits letterboxed in a window of the palette's colour; a Loader lets a test
         // take it away and bring a new one.
-        file.write(R"(import QtQuick
+        ASSERT_EQ(QuickShots::load(view, dir, R"(import QtQuick
 import Aeroloom.Review
 import Aeroloom.Services
 Rectangle {
@@ -94,11 +93,7 @@ Rectangle {
         sourceComponent: MpvVideoItem { objectName: "video"; player: videoPlayer }
     }
 }
-)");
-        file.close();
-        view.rootContext()->setContextProperty("videoPlayer", &player);
-        view.setSource(QUrl::fromLocalFile(qml));
-        ASSERT_EQ(view.status(), QQuickView::Ready) << view.errors().value(0).toString().toStdString();
+)"), "");
         view.show();
     }
 

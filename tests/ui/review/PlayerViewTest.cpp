@@ -68,10 +68,10 @@ protected:
         player = new MpvPlayer(MpvPlayer::Output::Render);
         model = std::make_unique<PlayerModel>(manifest->first(), client, player, PlayerModel::Setup{});
 
-        const QString qml = dir.filePath("Harness.qml");
-        QFile file(qml);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(R"(import QtQuick
+        view.rootContext()->setContextProperty("playerModel", model.get());
+        view.rootContext()->setContextProperty("tiles", tiles.base());
+        view.rootContext()->setContextProperty("tileCache", dir.filePath("tiles"));
+        ASSERT_EQ(QuickShots::load(view, dir, R"(import QtQuick
 import Aeroloom.Services
 import "qrc:/aeroloom/review"
 FlightPlayerView {
@@ -81,13 +81,7 @@ FlightPlayerView {
     mapAttribution: "© OpenStreetMap contributors © CARTO"
     tileCacheDir: tileCache
 }
-)");
-        file.close();
-        view.rootContext()->setContextProperty("playerModel", model.get());
-        view.rootContext()->setContextProperty("tiles", tiles.base());
-        view.rootContext()->setContextProperty("tileCache", dir.filePath("tiles"));
-        view.setSource(QUrl::fromLocalFile(qml));
-        ASSERT_EQ(view.status(), QQuickView::Ready) << view.errors().value(0).toString().toStdString();
+)"), "");
         view.show();
     }
 

@@ -92,16 +92,11 @@ protected:
     /// `body` is the harness's content; `context` names what it may use.
     void show(const QByteArray &body, const QVariantMap &context)
     {
-        const QString qml = dir.filePath("Harness.qml");
-        QFile file(qml);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("import QtQuick\nimport Aeroloom.Review\nimport Aeroloom.Services\nimport \"qrc:/aeroloom/review\"\n"
-                   "Rectangle {\n    width: 1280; height: 760\n    color: Theme.background\n" + body + "\n}\n");
-        file.close();
         for (auto it = context.begin(); it != context.end(); ++it)
             view.rootContext()->setContextProperty(it.key(), it.value());
-        view.setSource(QUrl::fromLocalFile(qml));
-        ASSERT_EQ(view.status(), QQuickView::Ready) << view.errors().value(0).toString().toStdString();
+        const QByteArray qml = "import QtQuick\nimport Aeroloom.Review\nimport Aeroloom.Services\nimport \"qrc:/aeroloom/review\"\n"
+                               "Rectangle {\n    width: 1280; height: 760\n    color: Theme.background\n" + body + "\n}\n";
+        ASSERT_EQ(QuickShots::load(view, dir, qml), "");
         view.show();
         view.requestActivate();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
