@@ -6,8 +6,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QImage>
 #include <QFile>
+#include <QImage>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QQuickWindow>
