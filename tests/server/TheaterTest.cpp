@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 const std::string flight = TheaterLibrary::flightId;
@@ -43,6 +45,12 @@ void expectFlown(const nlohmann::json &r, int samples)
     EXPECT_GE(r["picture"].value("colours", 0), 12) << r.dump(2);
     EXPECT_GT(r.value("videoTimeAfter", 0.0), r.value("videoTimeBefore", 0.0) + 0.5) << r.dump(2);
     EXPECT_TRUE(r.value("playing", false));
+    // The readouts follow the flight: whole numbers where the aircraft gave speed and height.
+    for (const char *readout : {"speed", "altitude"}) {
+        const std::string text = r.value(readout, "");
+        EXPECT_TRUE(!text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; }))
+            << readout << ": " << text;
+    }
     EXPECT_TRUE(r["errors"].empty()) << r.dump(2);
     EXPECT_TRUE(r["foreign"].empty()) << r.dump(2);
 }
@@ -234,6 +242,7 @@ TEST(TheaterTrack, ReadoutsUseEverySampleAndTheDrawingStaysCloseSmallAndSmooth)
     EXPECT_EQ(r.value("wavyLookupsWrong", -1), 0);
     // Headings turn the short way; heights fall back on the absolute altitude, else read as unknown.
     EXPECT_NEAR(r.value("headingAcrossNorth", 180.0), 0.0, 1e-9);
+    EXPECT_LT(r.value("followWorstLag", 180.0), 25.0);
     EXPECT_DOUBLE_EQ(r.value("heightFromAbsolute", 0.0), 12.0);
     EXPECT_TRUE(r.value("heightUnknown", false));
     // The format's required keys: one sample without speed spoils the file; stalled times are skipped.

@@ -5,7 +5,7 @@ import { pathToFileURL } from 'node:url';
 import { report } from '../web/browser.mjs';
 
 const source = process.env.AEROLOOM_SOURCE_DIR ?? process.cwd();
-const { Track, TrackError } = await import(pathToFileURL(path.join(source, 'src/server/pages/web/track.js')));
+const { Track, TrackError, ease } = await import(pathToFileURL(path.join(source, 'src/server/pages/web/track.js')));
 const { Resolution } = await import(pathToFileURL(path.join(source, 'src/server/pages/web/resolution.js')));
 
 const sample = (t, north, east, extra = {}) => ({
@@ -65,6 +65,15 @@ const out = {};
 {
     const turning = [sample(0, 0, 0, { yaw: 350 }), sample(1, 0, 0, { yaw: 10 })];
     out.headingAcrossNorth = ((Track.fromFlight({ track: turning }).at(0.5).heading % 360) + 360) % 360;
+    // The follow camera trails an aircraft circling the same way for three turns at 30°/s, at
+    // 60 frames a second: it stays close behind and never swings round the long way.
+    let followed = 0, worstLag = 0;
+    for (let frame = 1; frame <= 36 * 60; ++frame) {
+        const heading = (frame / 60) * 30 % 360;
+        followed = ease(followed, heading, 1.5 / 60);
+        if (frame > 120) worstLag = Math.max(worstLag, Math.abs(((heading - followed) % 360 + 540) % 360 - 180));
+    }
+    out.followWorstLag = worstLag;
     const noRelative = [sample(0, 0, 0, { relAlt: null, absAlt: 500 }), sample(1, 1, 0, { relAlt: null, absAlt: 512 })];
     out.heightFromAbsolute = Track.fromFlight({ track: noRelative }).at(1).altitude;
     const noAltitude = [sample(0, 0, 0, { relAlt: null, absAlt: null }), sample(1, 1, 0, { relAlt: null, absAlt: null })];

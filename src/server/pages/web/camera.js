@@ -2,6 +2,7 @@
 // above the whole path ("overview"). Dragging turns and tilts the view in every mode, the wheel
 // brings it nearer or further; the camera glides to where it should be rather than jumping.
 import * as THREE from './three.module.min.js';
+import { ease } from './track.js';
 
 const rad = Math.PI / 180;
 
@@ -51,9 +52,7 @@ export class CameraRig {
                 heading = this.spin;
             } else {
                 // The heading is followed softly, so a quick pan of the aircraft does not whip the view.
-                if (this.heading === null) this.heading = state.heading;
-                const d = ((state.heading - this.heading + 540) % 360) - 180;
-                this.heading += d * Math.min(1, dt * 1.5);
+                this.heading = this.heading === null ? state.heading : ease(this.heading, state.heading, Math.min(1, dt * 1.5));
                 heading = this.heading;
             }
             reach = this.near;

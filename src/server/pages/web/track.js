@@ -19,6 +19,12 @@ export function turn(a, b) {
     return d;
 }
 
+/** `current` moved `share` of the short way toward `target`, in [0, 360): a heading followed softly. */
+export function ease(current, target, share) {
+    const next = (current + turn(current, target) * share) % 360;
+    return next < 0 ? next + 360 : next;
+}
+
 /** One moment of the flight; `Track.at` fills the same object again and again. */
 export class State {
     constructor() {
@@ -36,6 +42,8 @@ export class State {
 }
 
 export class Track {
+    #extent = null;  // bounds(), worked out once
+
     /**
      * Reads the `track` of a flight.json. The keys the format requires of a sample (t, lat, lon,
      * speed, climb) must be numbers, or the whole document is refused; samples whose time does
@@ -65,7 +73,6 @@ export class Track {
         this.t = new Float64Array(n);
         this.position = new Float64Array(n * 3);
         this.speed = new Float64Array(n);
-        this.altitude = new Float64Array(n);
         this.heading = new Float64Array(n);
         this.pitch = new Float64Array(n);
         this.roll = new Float64Array(n);
@@ -82,7 +89,6 @@ export class Track {
             this.position[i * 3 + 1] = heights[i];
             this.position[i * 3 + 2] = -(s.lat - this.origin.lat) * this.metresPerLat;
             this.speed[i] = s.speed;
-            this.altitude[i] = this.altitudeKnown ? heights[i] : NaN;
             this.heading[i] = optional(s.yaw);
             this.pitch[i] = isNumber(s.pitch) ? s.pitch : 0;
             this.roll[i] = isNumber(s.roll) ? s.roll : 0;
@@ -147,8 +153,10 @@ export class Track {
         return { lat: this.origin.lat - z / this.metresPerLat, lon: this.origin.lon + x / this.metresPerLon };
     }
 
-    /** The box around the path: min and max of x, y, z. */
+    /** The box around the path: min and max of x, y, z (the same object each time). */
     bounds() {
+        if (this.#extent)
+            return this.#extent;
         const min = [Infinity, Infinity, Infinity], max = [-Infinity, -Infinity, -Infinity];
         for (let i = 0; i < this.length; ++i)
             for (let k = 0; k < 3; ++k) {
@@ -156,7 +164,8 @@ export class Track {
                 if (v < min[k]) min[k] = v;
                 if (v > max[k]) max[k] = v;
             }
-        return { min, max };
+        this.#extent = { min, max };
+        return this.#extent;
     }
 
     /** The last sample at or before `t` (0 before the first). */
@@ -201,7 +210,8 @@ export class Track {
         state.pitch = mix(this.pitch[i], this.pitch[j]);
         state.roll = mix(this.roll[i], this.roll[j]);
         state.speed = mix(this.speed[i], this.speed[j]);
-        state.altitude = mix(this.altitude[i], this.altitude[j]);
+        // The height drawn is the height read out, where the aircraft told it.
+        state.altitude = this.altitudeKnown ? state.y : NaN;
         return state;
     }
 
