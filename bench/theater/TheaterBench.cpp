@@ -4,6 +4,7 @@
 // video, measured in the same run by the same browser over the same server.
 #include "FlightPath.h"
 #include "LibraryServer.h"
+#include "PageScript.h"
 
 #include <httplib.h>
 #include <nlohmann/json.hpp>
@@ -12,10 +13,13 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -60,21 +64,10 @@ bool upload(httplib::Client &client, const std::string &id, const std::filesyste
 
 nlohmann::json measure(const std::string &base, const std::string &id, const std::string &cookie, int seconds)
 {
-    QProcess node;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("AEROLOOM_SOURCE_DIR"), QStringLiteral(AEROLOOM_SOURCE_DIR));
-    env.insert(QStringLiteral("AEROLOOM_BUILD_DIR"), QStringLiteral(AEROLOOM_BUILD_DIR));
-    node.setProcessEnvironment(env);
-    node.start(QStringLiteral("node"), {QStringLiteral(AEROLOOM_SOURCE_DIR "/bench/theater/theater_fps.mjs"),
-                                        QString::fromStdString("--url=" + base), QString::fromStdString("--id=" + id),
-                                        QString::fromStdString("--cookie=" + cookie),
-                                        QStringLiteral("--seconds=%1").arg(seconds)});
-    node.waitForFinished(300000);
-    const QString out = QString::fromUtf8(node.readAllStandardOutput());
-    const qsizetype at = out.lastIndexOf(QStringLiteral("RESULT "));
-    if (at < 0)
-        return {{"error", QString::fromUtf8(node.readAllStandardError()).toStdString()}};
-    return nlohmann::json::parse(out.mid(at + 7).section(QLatin1Char('\n'), 0, 0).toStdString(), nullptr, false);
+    return runPageScript(QStringLiteral("bench/theater/theater_fps.mjs"),
+                         {QString::fromStdString("--url=" + base), QString::fromStdString("--id=" + id),
+                          QString::fromStdString("--cookie=" + cookie), QStringLiteral("--seconds=%1").arg(seconds)},
+                         300000);
 }
 
 /// Waits for the library to make a flight's light video, so no encode runs beside the browser.
@@ -99,6 +92,9 @@ int fail(const std::string &words)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
+    // The page script and the browser it starts find the sources and the build from here.
+    qputenv("AEROLOOM_SOURCE_DIR", AEROLOOM_SOURCE_DIR);
+    qputenv("AEROLOOM_BUILD_DIR", AEROLOOM_BUILD_DIR);
     const double minutes = argc > 1 ? std::atof(argv[1]) : 40;
     const int seconds = argc > 2 ? std::atoi(argv[2]) : 8;
 

@@ -124,8 +124,8 @@ bool isAccountPage(const httplib::Request &req)
 
 void addAccount(httplib::Server &server, ServerContext &ctx)
 {
-    server.Get("/settings.html", [](const httplib::Request &, httplib::Response &res) {
-        PageFiles::serve(res, "settings.html");
+    server.Get("/settings.html", [](const httplib::Request &req, httplib::Response &res) {
+        PageFiles::serve(req, res, "settings.html");
     });
     PageFiles::addRoutes(server);
     signInRoutes(server, ctx);

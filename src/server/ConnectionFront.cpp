@@ -131,12 +131,6 @@ void ConnectionFront::stop()
     m_wake = m_epoll = -1;
 }
 
-std::size_t ConnectionFront::waiting() const
-{
-    std::lock_guard lock(m_mutex);
-    return m_waitingCount;
-}
-
 void ConnectionFront::watch(int fd, bool on)
 {
     if (on) {
@@ -177,8 +171,6 @@ void ConnectionFront::loop()
             sweep();
             lastSweep = Clock::now();
         }
-        std::lock_guard lock(m_mutex);
-        m_waitingCount = m_waiting.size();
     }
     for (const auto &[fd, c] : m_waiting)
         ::close(fd);

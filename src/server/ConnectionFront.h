@@ -59,10 +59,6 @@ public:
     /// Closes every connection (requests in progress fail) and joins all threads.
     void stop();
 
-    /// Connections waiting for a request now, and worker threads alive (for the benchmark).
-    [[nodiscard]] std::size_t waiting() const;
-    [[nodiscard]] std::size_t workers() const { return m_pool.threads(); }
-
 private:
     using Clock = std::chrono::steady_clock;
     struct Connection {
@@ -99,8 +95,7 @@ private:
 
     std::map<int, Connection> m_waiting;  ///< front thread only
 
-    mutable std::mutex m_mutex;
+    std::mutex m_mutex;
     std::vector<Connection> m_returned;  ///< keep-alive connections handed back by workers
     std::set<int> m_busy;                ///< connections a worker holds
-    std::size_t m_waitingCount = 0;
 };

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace httplib {
 class Server;
+struct Request;
 struct Response;
 }
 
@@ -16,10 +16,8 @@ struct Response;
 /// and each page is sent with a policy that lets it load only from this server. The files hold
 /// no data of the library, so they are served to anyone; what they show comes from the API.
 namespace PageFiles {
-/// The bytes of one file of pages/, or nothing when there is no such file.
-[[nodiscard]] std::optional<std::string> read(std::string_view name);
-/// Answers with one file of pages/, or 404.
-void serve(httplib::Response &res, std::string_view name);
+/// Answers with one file of pages/ (a 304 when the client has it already), or 404.
+void serve(const httplib::Request &req, httplib::Response &res, const std::string &name);
 /// GET "/pages/<name>" for every file of pages/.
 void addRoutes(httplib::Server &server);
 /// True for the paths of page files, which answer without credentials.

@@ -1,5 +1,7 @@
 #include "WebAssets.h"
 
+#include "Names.h"
+
 #include <httplib.h>
 
 #include <QCryptographicHash>
@@ -10,19 +12,6 @@
 
 namespace {
 constexpr const char *root = ":/aeroloom-web/";
-
-std::string typeOf(const QString &name)
-{
-    if (name.endsWith(QLatin1String(".html")))
-        return "text/html; charset=utf-8";
-    if (name.endsWith(QLatin1String(".js")))
-        return "text/javascript; charset=utf-8";
-    if (name.endsWith(QLatin1String(".css")))
-        return "text/css; charset=utf-8";
-    if (name.endsWith(QLatin1String(".svg")))
-        return "image/svg+xml";
-    return "application/octet-stream";
-}
 
 /// Everything under the resource root, read once: the files are small and never change while
 /// the server runs.
@@ -40,7 +29,7 @@ std::map<std::string, WebAssets::Asset> load()
         const QByteArray digest = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().left(24);
         const QString name = path.mid(prefix.size());
         assets.emplace(name.toStdString(),
-                       WebAssets::Asset{bytes.toStdString(), typeOf(name), "\"" + digest.toStdString() + "\""});
+                       WebAssets::Asset{bytes.toStdString(), Names::contentType(name.toStdString()), "\"" + digest.toStdString() + "\""});
     }
     return assets;
 }

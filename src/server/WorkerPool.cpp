@@ -51,12 +51,6 @@ void WorkerPool::stop()
     }
 }
 
-std::size_t WorkerPool::threads() const
-{
-    std::lock_guard lock(m_mutex);
-    return m_threads.size();
-}
-
 void WorkerPool::reapFinished(std::unique_lock<std::mutex> &lock)
 {
     if (m_finished.empty())

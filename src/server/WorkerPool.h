@@ -29,9 +29,6 @@ public:
     /// Lets the running jobs finish, drops the queued ones and joins every thread.
     void stop();
 
-    /// Threads alive now (for tests and the benchmark).
-    [[nodiscard]] std::size_t threads() const;
-
 private:
     void work();
     void reapFinished(std::unique_lock<std::mutex> &lock);
@@ -40,7 +37,7 @@ private:
     const std::size_t m_max;
     const std::chrono::milliseconds m_idleExit;
 
-    mutable std::mutex m_mutex;
+    std::mutex m_mutex;
     std::condition_variable m_wake;
     std::deque<std::function<void()>> m_jobs;
     std::map<std::thread::id, std::thread> m_threads;
