@@ -9,14 +9,6 @@ int FlightMapCoordinator::headingBucket(double heading)
     return int(std::lround(heading * 0.5));
 }
 
-QString FlightMapCoordinator::tileTemplate(const QString &host, bool dark)
-{
-    QString base = host;
-    while (base.endsWith(u'/'))
-        base.chop(1);
-    return base + (dark ? QStringLiteral("/dark_all") : QStringLiteral("/light_all")) + QStringLiteral("/{z}/{x}/{y}@2x.png");
-}
-
 QString FlightMapCoordinator::scaleLabel(bool metric)
 {
     return metric ? QStringLiteral("150 m") : QStringLiteral("500 ft");

@@ -37,8 +37,6 @@ public:
 
     /// The bucket of a heading: half of it rounded to the nearest integer, halves away from zero.
     [[nodiscard]] static int headingBucket(double heading);
-    /// "dark_all" or "light_all" on `host`, path "/{z}/{x}/{y}@2x.png".
-    [[nodiscard]] static QString tileTemplate(const QString &host, bool dark);
     /// The scale bar's words: a fixed drawing, not measured from the map.
     [[nodiscard]] static QString scaleLabel(bool metric);
 
@@ -47,8 +45,6 @@ public:
     Changes create(const Inputs &inputs);
     /// Every later redraw.
     Changes update(const Inputs &inputs);
-
-    [[nodiscard]] int lastHeadingBucket() const { return m_lastHeadingBucket; }
 
 private:
     bool m_isDark = false;

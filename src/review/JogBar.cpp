@@ -3,13 +3,12 @@
 #include "JogShuttleEngine.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace JogBar {
 
 double travel(double barHeight)
 {
-    return std::max((barHeight - 32) * 0.5, 1.0);
+    return std::max((barHeight - knobSize) * 0.5, 1.0);
 }
 
 double displacement(double translation, double barHeight)
@@ -19,7 +18,8 @@ double displacement(double translation, double barHeight)
 
 QString hint(bool dragging, double displacement)
 {
-    return dragging && std::fabs(displacement) >= 0.1 ? QStringLiteral("Scrubbing") : QStringLiteral("Drag");
+    // Scrubbing once the engine moves: past its dead zone.
+    return dragging && JogShuttleEngine::speedFor(displacement) != 0 ? QStringLiteral("Scrubbing") : QStringLiteral("Drag");
 }
 
 QString knobText(bool dragging, double displacement)

@@ -6,6 +6,8 @@
 /// a displacement of -1…1, and the words the bar shows.
 namespace JogBar {
 
+/// The knob's side, in points.
+inline constexpr double knobSize = 32;
 /// The knob's travel to full speed: half of the bar's height less the knob, at least 1 point.
 [[nodiscard]] double travel(double barHeight);
 /// The displacement of a drag moved `translation` points down (negative: up).

@@ -49,8 +49,6 @@ public:
     [[nodiscard]] bool isRunning() const;
     [[nodiscard]] double speed() const { return m_speed; }
     [[nodiscard]] double jogTime() const { return m_jogTime; }
-    [[nodiscard]] double duration() const { return m_duration; }
-    [[nodiscard]] bool seekInFlight() const { return m_seekInFlight; }
 
 private:
     void tick();

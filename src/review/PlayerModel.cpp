@@ -20,6 +20,28 @@ QVariantMap rangeOf(double start, double end)
 {
     return {{QStringLiteral("start"), start}, {QStringLiteral("end"), end}};
 }
+
+/// The clips of `clips` that are suggestions, or those that are not.
+QList<Clip> clipsWhere(const QList<Clip> &clips, bool suggested)
+{
+    QList<Clip> kept;
+    for (const Clip &clip : clips) {
+        if (ClipPrompts::isSuggestion(clip) == suggested)
+            kept.append(clip);
+    }
+    return kept;
+}
+
+/// The band of each clip that has any length.
+QVariantList rangesOf(const QList<Clip> &clips)
+{
+    QVariantList ranges;
+    for (const Clip &clip : clips) {
+        if (clip.start < clip.end)
+            ranges.append(rangeOf(clip.start, clip.end));
+    }
+    return ranges;
+}
 } // namespace
 
 PlayerModel::PlayerModel(Flight flight, std::shared_ptr<APIClient> client, VideoPlayer *player, Setup setup,
@@ -124,22 +146,12 @@ void PlayerModel::setClipName(const QString &name)
 
 QList<Clip> PlayerModel::myClips() const
 {
-    QList<Clip> mine;
-    for (const Clip &clip : m_clips) {
-        if (!ClipPrompts::isSuggestion(clip))
-            mine.append(clip);
-    }
-    return mine;
+    return clipsWhere(m_clips, false);
 }
 
 QList<Clip> PlayerModel::suggestedClips() const
 {
-    QList<Clip> suggested;
-    for (const Clip &clip : m_clips) {
-        if (ClipPrompts::isSuggestion(clip))
-            suggested.append(clip);
-    }
-    return suggested;
+    return clipsWhere(m_clips, true);
 }
 
 QList<QPointF> PlayerModel::markedPath() const
@@ -151,22 +163,12 @@ QList<QPointF> PlayerModel::markedPath() const
 
 QVariantList PlayerModel::clipRanges() const
 {
-    QVariantList ranges;
-    for (const Clip &clip : myClips()) {
-        if (clip.start < clip.end)
-            ranges.append(rangeOf(clip.start, clip.end));
-    }
-    return ranges;
+    return rangesOf(myClips());
 }
 
 QVariantList PlayerModel::suggestedRanges() const
 {
-    QVariantList ranges;
-    for (const Clip &clip : suggestedClips()) {
-        if (clip.start < clip.end)
-            ranges.append(rangeOf(clip.start, clip.end));
-    }
-    return ranges;
+    return rangesOf(suggestedClips());
 }
 
 QVariantList PlayerModel::momentRanges() const

@@ -241,6 +241,8 @@ private:
     void setMarks(std::optional<double> in, std::optional<double> out);
     void setJogging(bool jogging);
     void setClips(QList<Clip> clips);
+    /// Takes the clips with `clipId` out of the list (not yet saved).
+    void removeClips(const QString &clipId);
     void armSegmentEnd(double now);
     /// The player's own time; NaN counts as 0.
     [[nodiscard]] double playerTime() const;

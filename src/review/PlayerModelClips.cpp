@@ -160,6 +160,13 @@ QCoro::Task<> PlayerModel::saveClipAsync(QString label)
     co_await saveList(QStringLiteral("Clip saved"));
 }
 
+void PlayerModel::removeClips(const QString &clipId)
+{
+    QList<Clip> clips = m_clips;
+    clips.removeIf([&](const Clip &c) { return c.id == clipId; });
+    setClips(std::move(clips));
+}
+
 void PlayerModel::deleteClip(const QString &clipId)
 {
     deleteClipAsync(clipId);
@@ -167,9 +174,7 @@ void PlayerModel::deleteClip(const QString &clipId)
 
 QCoro::Task<> PlayerModel::deleteClipAsync(QString clipId)
 {
-    QList<Clip> clips = m_clips;
-    clips.removeIf([&](const Clip &c) { return c.id == clipId; });
-    setClips(std::move(clips));
+    removeClips(clipId);
     co_await saveList(QStringLiteral("Deleted"));
 }
 
@@ -196,9 +201,7 @@ void PlayerModel::tossClip(const QString &clipId)
 
 QCoro::Task<> PlayerModel::tossClipAsync(QString clipId)
 {
-    QList<Clip> clips = m_clips;
-    clips.removeIf([&](const Clip &c) { return c.id == clipId; });
-    setClips(std::move(clips));
+    removeClips(clipId);
     co_await saveList(QStringLiteral("Tossed — won't be suggested again"));
 }
 

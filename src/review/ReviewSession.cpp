@@ -25,6 +25,19 @@ void ReviewSession::setMetric(bool metric)
         m_player->setMetric(metric);
 }
 
+std::optional<QString> ReviewSession::spikeFlight(const QProcessEnvironment &environment)
+{
+    const QString flight = environment.value(QStringLiteral("SPIKE_FLIGHT"));
+    if (flight.isEmpty() || environment.value(QStringLiteral("SPIKE_THEATER")) == QLatin1String("1"))
+        return std::nullopt;
+    return flight;
+}
+
+bool ReviewSession::spikeMarks(const QProcessEnvironment &environment)
+{
+    return environment.value(QStringLiteral("SPIKE_MARK")) == QLatin1String("1");
+}
+
 void ReviewSession::setDebugFlightId(const QString &flightId)
 {
     if (flightId == m_debugFlightId)

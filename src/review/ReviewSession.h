@@ -5,11 +5,13 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QProcessEnvironment>
 
 #include <QCoroTask>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class APIClient;
 class VideoPlayer;
@@ -37,6 +39,12 @@ public:
     void setClient(std::shared_ptr<APIClient> client);
     /// Follows the units preference into the open player.
     void setMetric(bool metric);
+
+    /// The flight the development entry opens in the player: "SPIKE_FLIGHT", unless
+    /// "SPIKE_THEATER" is exactly "1" and the theater takes it.
+    [[nodiscard]] static std::optional<QString> spikeFlight(const QProcessEnvironment &environment);
+    /// Whether "SPIKE_MARK" is exactly "1": each player opens with a range already marked.
+    [[nodiscard]] static bool spikeMarks(const QProcessEnvironment &environment);
 
     [[nodiscard]] PlayerModel *player() const { return m_player; }
     /// The flight of the development entry ("SPIKE_FLIGHT"): the main window shows only its

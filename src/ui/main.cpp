@@ -242,7 +242,7 @@ int main(int argc, char *argv[])
         PlayerModel::Setup setup;
         setup.hq = playback.hq();
         setup.metric = units.metric();
-        setup.spikeMarks = qEnvironmentVariable("SPIKE_MARK") == QLatin1String("1");
+        setup.spikeMarks = ReviewSession::spikeMarks(appModel.environment());
         return setup;
     });
     QObject::connect(&appModel, &AppModel::clientChanged, &review, [&] { review.setClient(appModel.client()); });
@@ -253,10 +253,10 @@ int main(int argc, char *argv[])
     });
     QObject::connect(&review, &ReviewSession::theaterRequested, &theater, &TheaterController::open);
     // SPIKE_FLIGHT alone opens the player; with SPIKE_THEATER=1 the theater took it above.
-    const QString spikePlayerFlight = qEnvironmentVariable("SPIKE_FLIGHT");
-    if (appModel.loggedIn() && !spikePlayerFlight.isEmpty() && !spikeFlight) {
-        review.setDebugFlightId(spikePlayerFlight);
-        review.openById(spikePlayerFlight);
+    const auto spikePlayerFlight = ReviewSession::spikeFlight(appModel.environment());
+    if (spikePlayerFlight && appModel.loggedIn()) {
+        review.setDebugFlightId(*spikePlayerFlight);
+        review.openById(*spikePlayerFlight);
     }
     qmlRegisterSingletonInstance("Aeroloom.Review", 1, 0, "Review", &review);
 

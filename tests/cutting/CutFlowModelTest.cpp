@@ -13,6 +13,8 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
@@ -144,6 +146,17 @@ TEST_F(CutFlow, AnotherFolderFindsTheMissingWithoutLosingTheBatch)
 
 TEST_F(CutFlow, TheStoryIsMadeFromEveryCutClipWithItsBed)
 {
+    // The bed goes through the temporary folder and must leave it; a folder of this test's own,
+    // so a bed another test is using at the same moment in the shared one isn't counted.
+    QTemporaryDir temp;
+    const QByteArray sharedTemp = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(temp.path()));
+    const auto restore = qScopeGuard([&] {
+        if (sharedTemp.isNull())
+            qunsetenv("TMPDIR");
+        else
+            qputenv("TMPDIR", sharedTemp);
+    });
     model->chooseOutputRoot(dir.filePath("Cuts"));
     run(model->chooseOriginals(cards->filePath("A"), false));
     openStory();
@@ -161,7 +174,7 @@ TEST_F(CutFlow, TheStoryIsMadeFromEveryCutClipWithItsBed)
     // The half-second bed loops under the whole story.
     EXPECT_NEAR(streamDuration(story, "a:0").value_or(0), total, 0.05);
     EXPECT_TRUE(QFile::exists(dir.filePath("Cuts/ridge-run/ridge-run_story.gpx")));
-    EXPECT_TRUE(QDir::temp().entryList({"story_bed_*"}).isEmpty());
+    EXPECT_TRUE(QDir(temp.path()).entryList({"story_bed_*"}).isEmpty());
 
     // Nothing left to cut: the button makes the story again, from the clips already there.
     EXPECT_EQ(model->actionText(), QStringLiteral("Make Story Video"));

@@ -366,7 +366,6 @@ TEST(FlightMap, RecentreWithoutAPositionIsUsedUp)
     found.recenterToken = 2;
     EXPECT_TRUE(map.update(found).recenter);
 
-    EXPECT_EQ(FlightMapCoordinator::tileTemplate("http://127.0.0.1:9/", true), "http://127.0.0.1:9/dark_all/{z}/{x}/{y}@2x.png");
     EXPECT_EQ(FlightMapCoordinator::scaleLabel(false), "500 ft");
     EXPECT_EQ(FlightMapCoordinator::scaleLabel(true), "150 m");
 }

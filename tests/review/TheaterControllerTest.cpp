@@ -2,6 +2,7 @@
 // the page address it builds, the development entry, and a close that beats a slow cookie.
 #include "APIClient.h"
 #include "CoroTest.h"
+#include "ReviewSession.h"
 #include "TestServer.h"
 #include "TheaterController.h"
 
@@ -109,4 +110,23 @@ TEST(TheaterController, TheDevelopmentEntryWantsTheaterExactlyOne)
     EXPECT_EQ(TheaterController::spikeFlight(env).value_or(QString()), "20240512_093000_0001");
     env.insert(QStringLiteral("SPIKE_FLIGHT"), QString());
     EXPECT_FALSE(TheaterController::spikeFlight(env).has_value());
+}
+
+TEST(TheaterController, ThePlayersDevelopmentEntryLeavesTheFlightToTheTheaterOnlyForExactlyOne)
+{
+    QProcessEnvironment env;
+    EXPECT_FALSE(ReviewSession::spikeFlight(env).has_value());
+    env.insert(QStringLiteral("SPIKE_FLIGHT"), QStringLiteral("20240512_093000_0001"));
+    for (const char *other : {"", "0", "true", "1 "}) {
+        env.insert(QStringLiteral("SPIKE_THEATER"), QString::fromLatin1(other));
+        EXPECT_EQ(ReviewSession::spikeFlight(env).value_or(QString()), "20240512_093000_0001") << other;
+    }
+    env.insert(QStringLiteral("SPIKE_THEATER"), QStringLiteral("1"));
+    EXPECT_FALSE(ReviewSession::spikeFlight(env).has_value());
+
+    EXPECT_FALSE(ReviewSession::spikeMarks(env));
+    env.insert(QStringLiteral("SPIKE_MARK"), QStringLiteral("yes"));
+    EXPECT_FALSE(ReviewSession::spikeMarks(env));
+    env.insert(QStringLiteral("SPIKE_MARK"), QStringLiteral("1"));
+    EXPECT_TRUE(ReviewSession::spikeMarks(env));
 }

@@ -20,7 +20,7 @@ void FlightMapView::componentComplete()
     TileMapItem::componentComplete();
     const auto made = m_coordinator.create(inputs());
     m_created = true;
-    setUrlTemplate(FlightMapCoordinator::tileTemplate(m_tileHost, m_dark));
+    setUrlTemplate(TileMath::baseMapTemplate(m_tileHost, m_dark));
     m_drawnTrackColor = m_trackColor;
     m_puck = puckImage(m_puckColor, 0, window() ? window()->devicePixelRatio() : 2);
     ++m_puckDraws;
@@ -44,7 +44,7 @@ void FlightMapView::redraw()
     if (!changes.any())
         return;
     if (changes.tiles)
-        setUrlTemplate(FlightMapCoordinator::tileTemplate(m_tileHost, m_dark));
+        setUrlTemplate(TileMath::baseMapTemplate(m_tileHost, m_dark));
     if (changes.track)
         m_drawnTrackColor = m_trackColor;
     if (changes.highlight)
@@ -140,7 +140,7 @@ void FlightMapView::setTileHost(const QString &value)
         return;
     m_tileHost = value;
     if (m_created)
-        setUrlTemplate(FlightMapCoordinator::tileTemplate(m_tileHost, m_dark));
+        setUrlTemplate(TileMath::baseMapTemplate(m_tileHost, m_dark));
     Q_EMIT inputsChanged();
 }
 

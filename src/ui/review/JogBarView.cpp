@@ -120,7 +120,8 @@ void JogBarView::paint(QPainter *painter)
     painter->drawText(QRectF(0, h - 15, w, 12), Qt::AlignCenter, QStringLiteral("▼"));
 
     const double centre = h / 2 + m_displacement * JogBar::travel(h);
-    const QRectF knob(w / 2 - knobSize / 2, centre - knobSize / 2, knobSize, knobSize);
+    const double side = JogBar::knobSize;
+    const QRectF knob(w / 2 - side / 2, centre - side / 2, side, side);
     QColor rim = m_textColor;
     rim.setAlphaF(0.85f);
     painter->setPen(QPen(rim, 2));

@@ -20,8 +20,6 @@ class JogBarView : public QQuickPaintedItem
     Q_PROPERTY(QColor textColor MEMBER m_textColor NOTIFY styleChanged FINAL)
     Q_PROPERTY(QColor labelColor MEMBER m_labelColor NOTIFY styleChanged FINAL)
 public:
-    static constexpr double knobSize = 32;
-
     explicit JogBarView(QQuickItem *parent = nullptr);
 
     [[nodiscard]] double displacement() const { return m_displacement; }

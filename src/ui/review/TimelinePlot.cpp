@@ -1,6 +1,5 @@
 #include "TimelinePlot.h"
 
-#include "TimelineScale.h"
 #include "Units.h"
 
 #include <QMouseEvent>
@@ -42,6 +41,11 @@ void TimelinePlot::setPoints(const QList<QPointF> &points)
     if (points == m_pointList)
         return;
     m_pointList = points;
+    m_points.clear();
+    m_points.reserve(points.size());
+    for (const QPointF &p : points)
+        m_points.append(AltPoint{int(m_points.size()), p.x(), p.y()});
+    m_top = TimelineScale::scaleTop(m_points);
     changed();
 }
 
@@ -113,13 +117,11 @@ void TimelinePlot::setUnit(const QString &value)
 
 double TimelinePlot::span() const
 {
-    const double last = m_pointList.isEmpty() ? 0.0 : m_pointList.last().x();
-    return std::max({m_duration, last, 1.0});
+    return TimelineScale::span(m_duration, m_points);
 }
 
-QRectF TimelinePlot::plotRect() const
+QRectF TimelinePlot::plotRect(const TimelineScale::Frame &frame) const
 {
-    const auto frame = TimelineScale::Frame::of(width(), leftInset, rightInset, span());
     return {frame.left, topInset, frame.width, std::max(height() - topInset - rulerHeight, 1.0)};
 }
 
@@ -170,13 +172,10 @@ void TimelinePlot::mouseReleaseEvent(QMouseEvent *event)
 void TimelinePlot::paint(QPainter *painter)
 {
     painter->setRenderHint(QPainter::Antialiasing, true);
-    const QRectF plot = plotRect();
     const auto frame = TimelineScale::Frame::of(width(), leftInset, rightInset, span());
-    QList<AltPoint> points;
-    points.reserve(m_pointList.size());
-    for (const QPointF &p : std::as_const(m_pointList))
-        points.append(AltPoint{int(points.size()), p.x(), p.y()});
-    const double top = TimelineScale::scaleTop(points);
+    const QRectF plot = plotRect(frame);
+    const QList<AltPoint> &points = m_points;
+    const double top = m_top;
     const auto yOf = [&](double alt) { return plot.bottom() - std::clamp(alt / top, 0.0, 1.0) * plot.height(); };
 
     QFont font = painter->font();

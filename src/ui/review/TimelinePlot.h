@@ -1,5 +1,8 @@
 #pragma once
 
+#include "FlightRecords.h"
+#include "TimelineScale.h"
+
 #include <QColor>
 #include <QList>
 #include <QPointF>
@@ -90,9 +93,11 @@ private:
     void setScrubbing(bool on);
     void scrubTo(double x);
     [[nodiscard]] double span() const;
-    [[nodiscard]] QRectF plotRect() const;
+    [[nodiscard]] QRectF plotRect(const TimelineScale::Frame &frame) const;
 
     QList<QPointF> m_pointList;
+    QList<AltPoint> m_points;  ///< the same, as the timeline's arithmetic takes them
+    double m_top = 1;          ///< the altitude at the top of the scale
     double m_duration = 0;
     double m_current = 0;
     std::optional<double> m_markIn;
